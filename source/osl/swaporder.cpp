@@ -1,0 +1,51 @@
+// Stored byte order: big-endian, on every machine. Each function turns a value
+// in place from the host's order to the stored one; it is its own inverse.
+#include "osltypes.h"
+
+#include <bit>
+#include <cstring>
+
+namespace {
+
+constexpr bool kHostIsStoredOrder = std::endian::native == std::endian::big;
+
+inline uint16_t swapped(uint16_t value) {
+    return __builtin_bswap16(value);
+}
+inline uint32_t swapped(uint32_t value) {
+    return __builtin_bswap32(value);
+}
+inline uint64_t swapped(uint64_t value) {
+    return __builtin_bswap64(value);
+}
+
+/// Turns the bytes at `place`, which need not be aligned, as those of a `Bits`.
+template <class Bits>
+void turn(void *place) {
+    if (kHostIsStoredOrder) {
+        return;
+    }
+    Bits bits;
+    std::memcpy(&bits, place, sizeof bits);
+    bits = swapped(bits);
+    std::memcpy(place, &bits, sizeof bits);
+}
+
+} // namespace
+
+#define OSL_SWAPORDERS(X)                                                                          \
+    X(Int16, int16_t, uint16_t)                                                                    \
+    X(UInt16, uint16_t, uint16_t)                                                                  \
+    X(Int32, int32_t, uint32_t)                                                                    \
+    X(UInt32, uint32_t, uint32_t)                                                                  \
+    X(Int64, int64_t, uint64_t)                                                                    \
+    X(UInt64, uint64_t, uint64_t)                                                                  \
+    X(Float, float, uint32_t)                                                                      \
+    X(Double, double, uint64_t)
+
+#define OSL_DEFINE_SWAPORDER(name, type, bits)                                                     \
+    void osl_swaporder##name(type *value) {                                                        \
+        static_assert(sizeof(type) == sizeof(bits));                                               \
+        turn<bits>(value);                                                                         \
+    }
+OSL_SWAPORDERS(OSL_DEFINE_SWAPORDER)
