@@ -33,7 +33,7 @@
 /* Drops a status on purpose; `why` is for the reader. */
 #define OAK_IGNORE_STATUS(status, why) ((void)(status))
 
-#define OAK_RETCODE_ENUMERATOR(name, code, sqlstate) name = (code),
+#define OAK_RETCODE_ENUMERATOR(name, code, sqlstate, descr) name = (code),
 typedef enum OAK_NODISCARD OAK_RETCODE OAK_INT32_ENUM {
     OAK_RETCODE_LIST(OAK_RETCODE_ENUMERATOR)
 } OAK_RETCODE;
