@@ -42,8 +42,8 @@ OAK_API OAK_RETCODE b_inputCreateFromMemory(OAK_INPUT_OBJ *pObj, const uint8_t *
                                             OSL_MEMTAG tag);
 
 /* Opens an input over an open file from the file's current offset to its
- * present end. The handle is borrowed and must stay open; its own offset is not
- * moved. The object lives under `tag`.
+ * present end. The handle is borrowed and must stay open. The object lives under
+ * `tag`.
  * eINVNULLARG: `pObj` or `file` is null.
  * eNOMEMORY: the object could not be allocated.
  * Any failure of asking for the file's offset is returned as it stands. */
