@@ -1,0 +1,288 @@
+// Internal to the schema: the records behind the schema's handles.
+//
+// Law: nothing outside the schema's own sources (schema*.cpp) touches a field.
+// Every record and string of a schema lies under the schema's own tag, so that
+// freeing the tag frees the schema; triggers and their arrays alone lie under
+// the tag that their caller gave. Arrays of pointers are indexed by the
+// object's own index and may hold null entries: holes left by drops or by
+// indexes that were never used.
+//
+// All records are born zero-filled, so zero is every field's first value.
+#ifndef SCHEMA_INTERNAL_H
+#define SCHEMA_INTERNAL_H
+
+#include "ll.h"
+#include "schema_handles.h"
+#include "schema_types.h"
+
+struct OAK_TYPE_INFO; // a type's operations, of oakvaluetypes.h
+
+namespace oak::schema {
+
+/// The class of a type: OAK_TYPE_CLASS_TEXT and kin.
+constexpr int type_class(OAK_TYPE type) {
+    return static_cast<int32_t>(type) & OAK_TYPE_CLASS_MASK;
+}
+
+constexpr bool is_large_object(OAK_TYPE type) {
+    return (static_cast<int32_t>(type) & OAK_TYPE_LARGE_OBJECT) != 0;
+}
+
+} // namespace oak::schema
+
+// ---- A column's or a domain's type -------------------------------------------
+
+struct SCH_CHAR_COL_INFO {
+    uint16_t len; // bytes, terminator included
+    OAK_BOOL_T use_locale;
+    OSL_LOCALE locale;
+};
+
+struct SCH_BINARY_COL_INFO {
+    uint16_t len;
+};
+
+struct SCH_TIME_COL_INFO {
+    uint8_t prec;
+};
+
+struct SCH_DECIMAL_COL_INFO {
+    uint8_t prec;
+    uint8_t scale;
+};
+
+struct _SCH_TYPE_INFO {
+    OAK_TYPE type;          // 0: not set yet
+    uint16_t elems;         // 0: a scalar
+    uint16_t byte_len;      // in the column data; set by finalization
+    const char *check_str;  // check expression
+    const char *check_name; // its constraint name
+    const OAK_TYPE_INFO *type_info;
+    SCH_INFO sch; // null in the system table's columns
+    union {       // by the class of `type`
+        SCH_CHAR_COL_INFO c;
+        SCH_BINARY_COL_INFO b;
+        SCH_TIME_COL_INFO t;
+        SCH_DECIMAL_COL_INFO d;
+    } x;
+};
+
+// ---- The schema --------------------------------------------------------------
+
+struct _SCH_INFO {
+    const char *name;
+    OAK_BOOL_T use_locale;   // a locale was set
+    const char *locale_text; // its name as given
+    OSL_LOCALE locale;
+    uint32_t catver;
+    uint32_t dbver;
+    OAK_ENC_TYPE encryption;
+    OAK_DRAWER max_drawer;  // drawer numbers lie below it
+    OAK_DRAWER num_drawers; // as counted by the catalog, the 5 reserved included
+    OAK_DRAWER next_drawer; // numbers in use lie below it
+    OAK_DOM_INDEX num_domains;
+    OAK_DOM_INDEX next_domain; // capacity of `domains`
+    OAK_TBL_INDEX max_table;   // capacity of `tables`
+    OAK_TBL_INDEX num_tables;  // system table included
+    OAK_TBL_INDEX next_table;
+    uint32_t num_columns; // nothing sets it; compared between schemas
+    uint32_t num_refs;
+    // Drawer numbers are 32 bits wide and may lie far apart, so this array
+    // alone is packed: the drawers that exist, in ascending order of number.
+    SCH_DRAWER_INFO *drawers;
+    OAK_DRAWER drawers_used; // entries of `drawers`
+    SCH_DOMAIN_INFO *domains;
+    SCH_TBL_INFO *tables;       // entry 0 is the system table
+    SCH_TBL_INFO *tablesByName; // user tables in the order of their names, lazy
+    OAK_TBL_INDEX tablesByNameUsed;
+    B_LL llBlobCols; // all large-object columns, lazy
+    B_LL llKeys;     // all keys of user tables, lazy
+    OSL_MEMTAG tag;  // the schema's own
+};
+
+struct _SCH_DOMAIN_INFO {
+    OAK_DOM_INDEX ndx;
+    SCH_INFO sch;
+    const char *name;
+    OAK_VALUE def;
+    const char *defstr;
+    uint16_t width;
+    const char *format;
+    _SCH_TYPE_INFO type;
+};
+
+struct _SCH_DRAWER_INFO {
+    OAK_DRAWER ndx;     // number in the schema
+    OAK_DRAWER tbl_ndx; // position in the table's `drawers`
+    SCH_INFO sch;       // null in the system drawers
+    OAK_DRAWER_TYPE type;
+    union { // the object stored, by `type`; null until linked
+        SCH_TBL_INFO ti;
+        SCH_KEY_INFO ki;
+        SCH_REF_INFO ri;
+        SCH_COL_INFO ci;
+    } obj;
+    OAK_BOOL_T compact; // items hold a native wide character
+    OAK_TBL_INDEX src_tblid;
+    OAK_INDEX src_id; // key, reference or column within the source table
+};
+
+// ---- A table -----------------------------------------------------------------
+
+struct _SCH_TBL_INFO {
+    OAK_TBL_INDEX ndx;
+    SCH_INFO sch; // null in the system table
+    const char *name;
+    const char *check_str;
+    const char *check_name;
+    OAK_TABLE_TYPE type;
+    OAK_SLOT max_rows;
+    SCH_DRAWER_INFO drawer;
+    OAK_COL_INDEX num_cols; // live columns
+    OAK_COL_INDEX next_col; // indexes in use lie below it
+    OAK_COL_INDEX max_col;  // capacity of `cols`
+    SCH_COL_INFO *cols;
+    OAK_COL_INDEX *active_ndx; // live position to index, when columns were dropped
+    OAK_KEY_INDEX max_keys;    // capacity of `keys`
+    OAK_KEY_INDEX num_keys;
+    OAK_KEY_INDEX next_key;
+    SCH_KEY_INFO *keys;
+    SCH_KEY_INFO pkey;
+    OAK_REF_INDEX num_refs;
+    OAK_REF_INDEX next_ref; // capacity of `refs` as well
+    SCH_REF_INFO *refs;
+    OAK_KEY_INDEX num_avls;
+    OAK_KEY_INDEX max_avls; // capacity of `avls`
+    OAK_KEY_INDEX next_avl;
+    SCH_KEY_INFO *avls;
+    OAK_DRAWER num_drawers;
+    OAK_DRAWER max_drawers; // capacity of `drawers`: as many as finalization found
+    SCH_DRAWER_INFO *drawers;
+    OAK_REF_INDEX num_owns; // references from any table that point at this one
+    OAK_REF_INDEX max_owns; // capacity of `owners`
+    OAK_REF_INDEX next_own;
+    SCH_REF_INFO *owners;
+    OAK_HAS_VALUE_OFFSET has_value_off; // where the has-value bytes begin
+    uint32_t byte_len;                  // column data of a row
+    OAK_ROW_BUFFER_INFO bufferInfo;
+    OAK_TBL_INDEX nameNdx;  // position in `tablesByName`
+    OAK_TBL_INDEX offset;   // position among live tables, from 1
+    SCH_TRIG_INFO triggers; // ascending by creation time
+};
+
+struct _SCH_COL_INFO {
+    OAK_COL_INDEX ndx;
+    SCH_TBL_INFO table;
+    const char *name; // null: a dropped column
+    OAK_BOOL_T not_null;
+    const char *not_null_cname;
+    _SCH_TYPE_INFO type; // unused while `domain` is set
+    SCH_DOMAIN_INFO domain;
+    OAK_VALUE def;
+    const char *defstr;
+    uint16_t width;
+    const char *format;
+    OAK_KEY_INDEX keyid; // OAK_INDEX_NONE without one
+    SCH_KEY_INFO key;
+    uint16_t usage; // OAK_COL_USAGE_KEY and kin
+    SCH_DRAWER_INFO drawer;
+    SCH_REF_INFO ref;    // of a foreign key column, with the table and
+    SCH_TBL_INFO reftab; // column that it refers to
+    SCH_COL_INFO refcol;
+    OAK_KEY_INDEX num_keys;
+    SCH_KEY_INFO *keys;
+    OAK_REF_INDEX num_refs;
+    SCH_REF_INFO *refs;
+    OAK_REF_INDEX num_sortrefs;
+    SCH_REF_INFO *sortrefs;
+    uint32_t ptr;                       // where the value lies in the column data
+    OAK_HAS_VALUE_OFFSET has_value_off; // of its has-value byte; 0: it has none
+    uint32_t nameNdx;                   // nothing sets it
+};
+
+// ---- Keys and references -----------------------------------------------------
+
+struct _SCH_ELEM_INFO {
+    OAK_COL_INDEX ndx; // position in the key
+    SCH_KEY_INFO key;
+    SCH_COL_INFO col;
+    OAK_DIRECTION dir;
+    uint32_t ptr; // in the key buffer
+    OAK_HAS_VALUE_OFFSET has_value_off;
+};
+
+struct _SCH_KEY_INFO {
+    OAK_KEY_INDEX ndx;
+    SCH_TBL_INFO table;
+    const char *name;
+    OAK_KEY_TYPE type;
+    OAK_KEY_METHOD method;
+    OAK_BOOL_T restr;
+    SCH_DRAWER_INFO drawer;
+    OAK_COL_INDEX num_elems;
+    _SCH_ELEM_INFO *elems; // by value
+    uint32_t refcount;
+    uint32_t byte_len; // one key buffer
+    OAK_HAS_VALUE_OFFSET has_value_off;
+    union {
+        OAK_BUCKET_BUFFER_INFO bucket; // of a hash key
+    } bufferInfo;
+    OAK_BOOL_T inline_key; // the name was generated
+    const char *type_text; // nothing sets it
+    OAK_KEY_INDEX avl_ndx; // position in the table's `avls`
+};
+
+struct _SCH_SORT_INFO {
+    OAK_COL_INDEX ndx;
+    SCH_REF_INFO ref;
+    SCH_COL_INFO col;
+    OAK_DIRECTION order;
+    uint32_t ptr; // in the sort buffer
+    OAK_HAS_VALUE_OFFSET has_value_off;
+};
+
+struct _SCH_REF_INFO {
+    OAK_REF_INDEX ndx;       // in the holding table's `refs`
+    OAK_REF_INDEX owner_ndx; // in the referred table's `owners`
+    SCH_TBL_INFO table;      // the holding table
+    const char *name;
+    SCH_TBL_INFO reftab; // the table referred to
+    SCH_KEY_INFO refkey; // its key referred to
+    SCH_DRAWER_INFO drawer;
+    OAK_REF_ACTION on_update;
+    OAK_REF_ACTION on_delete;
+    OAK_COL_INDEX num_cols;
+    SCH_COL_INFO *cols; // null entries: not linked yet
+    OAK_COL_INDEX num_sort_cols;
+    _SCH_SORT_INFO *sort_cols; // by value
+    uint32_t sort_byte_len;    // one sort buffer
+    OAK_BOOL_T requires_write;
+    OAK_COLUMN_VALUE *ref_col_vals; // one for each of `cols`
+};
+
+// ---- Triggers ----------------------------------------------------------------
+
+struct _SCH_TRIG_COL_INFO {
+    OAK_TRC_INDEX ndx;
+    OAK_COL_INDEX colid;
+    uint16_t varno;
+    OAK_TRIG_COL_REF ref;
+    OAK_VALUE *val;
+};
+
+struct _SCH_TRIG_INFO {
+    SCH_TRIG_INFO next;
+    const char *name;
+    uint16_t sqltrig;
+    uint64_t crtime;
+    OAK_TRIG_TIMING timing;
+    OAK_TRIG_EVENT event;
+    uint16_t num_updcols;
+    uint16_t max_updcols; // entries of `updcols`
+    OAK_COL_INDEX *updcols;
+    OAK_TRC_INDEX num_colrefs;
+    OAK_TRC_INDEX max_colrefs;   // entries of `colrefs`
+    _SCH_TRIG_COL_INFO *colrefs; // by value
+};
+
+#endif
