@@ -79,6 +79,11 @@ class InCLocale {
     locale_t old_;
 };
 
+// ---- Random bits ------------------------------------------------------------
+
+/// Fills at most 256 bytes from the system's random source; false if it cannot be read.
+bool fill_random(void *bytes, size_t size);
+
 // ---- Text -------------------------------------------------------------------
 
 /// vsnprintf in the C locale; -1 for a format that cannot be printed.
