@@ -36,6 +36,31 @@ typedef uint32_t OAK_COLUMN_ID;        /* a column's public constant */
 typedef uint32_t OAK_HAS_VALUE_OFFSET; /* where a has-value byte lies; 0 none */
 typedef uint8_t OAK_HAS_VALUE_T;       /* 1: the column holds a value */
 
+/* ---- Stored objects ---------------------------------------------------- */
+
+/* How an object's bytes are laid out. */
+typedef enum OAK_ITEM_FORMAT OAK_INT32_ENUM {
+    OAK_ITEM_FORMAT_COMPACT = 16, /* a stream of varying integers and typed values */
+    OAK_ITEM_FORMAT_EXPANDED = 32 /* an image of the object in memory */
+} OAK_ITEM_FORMAT;
+
+/* How an object is compressed. */
+typedef enum OAK_COMPRESS_METHOD OAK_INT32_ENUM {
+    OAK_COMPRESS_NONE = 1,
+    OAK_COMPRESS_LZMA = 2,
+    OAK_COMPRESS_ZERO = 4
+} OAK_COMPRESS_METHOD;
+
+/* An object's header value: the item format or-ed with the method. */
+typedef enum OAK_OBJ_FORMAT OAK_INT32_ENUM {
+    OBJ_COMPACT_NONE = 17,
+    OBJ_COMPACT_LZMA = 18,
+    OBJ_COMPACT_ZERO = 20,
+    OBJ_EXPANDED_NONE = 33,
+    OBJ_EXPANDED_LZMA = 34,
+    OBJ_EXPANDED_ZERO = 36
+} OAK_OBJ_FORMAT;
+
 /* ---- Type codes -------------------------------------------------------- */
 
 /* The low four bits are the class: 0 none, 1 boolean, 2 integer, 3 floating
@@ -161,8 +186,8 @@ typedef union OAK_COLUMN {
 typedef struct OAK_VALUE {
     VAL_STATUS status;
     OAK_TYPE type;
-    uint32_t elts;  /* elements of an array; 0 for a scalar */
-    size_t len;     /* bytes of a variable payload; text counts its terminator */
+    uint32_t elts; /* elements of an array; 0 for a scalar */
+    size_t len;    /* bytes of a variable payload; text counts its terminator */
     OAK_COLUMN vt;
     OSL_MEMTAG tag; /* when set, text, binary and UUID setters copy into it */
 } OAK_VALUE;

@@ -22,7 +22,8 @@ int main(int argc, char **argv) {
     testing::InitGoogleTest(&argc, argv);
     if (const char *wanted = std::getenv("OAK_TEST_LOCALE");
         wanted != nullptr && std::setlocale(LC_ALL, wanted) == nullptr) {
-        std::fprintf(stderr, "locale %s is not on this machine; scripts/check installs it\n", wanted);
+        std::fprintf(stderr, "locale %s is not on this machine; scripts/check installs it\n",
+                     wanted);
         return 1;
     }
     std::printf("seed %llu (set OAK_TEST_SEED for another)\n",

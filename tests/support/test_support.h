@@ -14,8 +14,8 @@
 
 #include <gtest/gtest.h>
 
-#include "osl_fault.h"
 #include "oaktypes.h"
+#include "osl_fault.h"
 
 namespace oaktest {
 
