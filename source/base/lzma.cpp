@@ -1,6 +1,6 @@
 // The LZMA coder of stored objects: a greedy parser with a lookahead of one
 // position over the dictionary of lzma_dict_internal.h, and the packet coding of
-// LZMA1 (Igor Pavlov, lzma-specification.txt) over the bit functions of
+// LZMA1 (as the LZMA SDK of Igor Pavlov describes it) over the bit functions of
 // range_encoder_internal.h, straight into and out of an OAK_BUFFER. Called by
 // the object layer (dbobjapi.cpp) and by upper layers.
 //

@@ -1,6 +1,6 @@
 // Internal to compression: the binary adaptive range coder, bit by bit.
 //
-// The coder of LZMA (Igor Pavlov, lzma-specification.txt, gives the method): a
+// The coder of LZMA (the LZMA SDK of Igor Pavlov describes the method): a
 // bit is coded with an 11-bit probability that adapts by a 32nd of its distance
 // at each use. This one normalises before a bit and only when it must, so its
 // bytes are this system's own.

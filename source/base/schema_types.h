@@ -22,12 +22,6 @@ typedef enum OAK_ENC_TYPE OAK_INT32_ENUM {
     OAK_ENC_DEFAULT = 5 /* has a text, but no catalog word */
 } OAK_ENC_TYPE;
 
-/* How an item is stored; the mark stands in the item's header. */
-typedef enum OAK_ITEM_FORMAT OAK_INT32_ENUM {
-    OAK_ITEM_FORMAT_COMPACT = 16,
-    OAK_ITEM_FORMAT_EXPANDED = 32
-} OAK_ITEM_FORMAT;
-
 typedef enum OAK_TABLE_TYPE OAK_INT32_ENUM {
     OAK_TABLE_STANDARD = 0,
     OAK_TABLE_CIRCULAR = 1, /* holds at most max_rows rows, the oldest give way */

@@ -3,6 +3,8 @@
 
 #include <cctype>
 
+#include <openssl/sha.h>
+
 namespace oaktest {
 
 uint64_t Random::next() {
@@ -40,6 +42,12 @@ std::vector<uint8_t> unhex(const std::string &text) {
         bytes.push_back(static_cast<uint8_t>(std::stoi(digits.substr(i, 2), nullptr, 16)));
     }
     return bytes;
+}
+
+std::string sha256(const void *data, size_t size) {
+    unsigned char digest[SHA256_DIGEST_LENGTH];
+    SHA256(static_cast<const unsigned char *>(data), size, digest);
+    return hex(digest, sizeof digest);
 }
 
 Tag::Tag() : tag_(OSL_CREATE_TAG()) {

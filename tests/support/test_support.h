@@ -40,6 +40,9 @@ std::string hex(const void *data, size_t size);
 /// of a line are skipped.
 std::vector<uint8_t> unhex(const std::string &text);
 
+/// SHA-256 of the bytes in lower-case hex.
+std::string sha256(const void *data, size_t size);
+
 /// A tag for one test. In builds with fault injection its end asserts that
 /// nothing is left in it.
 class Tag {
