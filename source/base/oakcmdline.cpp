@@ -264,7 +264,9 @@ void print_own_options(const Row *opts) {
 
 OAK_RETCODE print_usage(const OAK_CMDLINE_A *cmd) {
     print_banner(cmd);
-    osl_init();
+    if (osl_init() != sOKAY) {
+        return sCMD_USAGE;
+    }
     osl_log("Usage:\n\n");
     print_summary(cmd);
     osl_log("\n\n");
