@@ -118,28 +118,23 @@ void log_error(OAK_ERR hErr) {
 
 // ---- The steps of a report -------------------------------------------------
 
-OAK_RETCODE record_input(OAK_ERR hErr, const char *errfile, int32_t errline, int32_t errcolumn) {
-    const OAK_RETCODE rc = errfile != nullptr ? replace_text(hErr, &hErr->errfile, errfile) : sOKAY;
-    hErr->errline = errline;
-    hErr->errcolumn = errcolumn;
-    return rc;
-}
-
-OAK_RETCODE record_info(OAK_ERR hErr, const char *errinfo) {
-    if (errinfo != nullptr) {
-        return replace_text(hErr, &hErr->info, errinfo);
+// Takes over the texts of a report. One that cannot be copied ends the copying
+// and keeps what was there; a report without info empties the old one even so.
+OAK_RETCODE record_texts(OAK_ERR hErr, const char *errinfo, const char *errfile, const char *filenm,
+                         int32_t lineno) {
+    OAK_RETCODE rc = sOKAY;
+    if (errinfo == nullptr) {
+        empty_text(hErr->info);
     }
-    empty_text(hErr->info);
-    return sOKAY;
-}
-
-OAK_RETCODE record_source(OAK_ERR hErr, const char *filenm, int32_t lineno) {
-    if (filenm == nullptr) {
-        return sOKAY;
+    if (errfile != nullptr) {
+        rc = replace_text(hErr, &hErr->errfile, errfile);
     }
-    const OAK_RETCODE rc = replace_text(hErr, &hErr->file, filenm);
-    if (rc == sOKAY) {
-        hErr->line = lineno;
+    if (rc == sOKAY && errinfo != nullptr) {
+        rc = replace_text(hErr, &hErr->info, errinfo);
+    }
+    if (rc == sOKAY && filenm != nullptr) {
+        rc = replace_text(hErr, &hErr->file, filenm);
+        hErr->line = rc == sOKAY ? lineno : hErr->line;
     }
     return rc;
 }
@@ -320,9 +315,9 @@ OAK_RETCODE oakErrorEx(OAK_ERR hErr, OAK_RETCODE retcode, const char *errinfo, c
         return retcode;
     }
     ++hErr->callcount;
-    OAK_RETCODE rc = record_input(hErr, errfile, errline, errcolumn);
-    rc = rc == sOKAY ? record_info(hErr, errinfo) : rc;
-    rc = rc == sOKAY ? record_source(hErr, filenm, lineno) : rc;
+    hErr->errline = errline;
+    hErr->errcolumn = errcolumn;
+    const OAK_RETCODE rc = record_texts(hErr, errinfo, errfile, filenm, lineno);
     if (rc != sOKAY) {
         log_change(hErr, "failed to allocate memory and ", retcode, rc);
         retcode = rc;
