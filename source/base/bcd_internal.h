@@ -99,6 +99,9 @@ OAK_RETCODE bcd_retcode(uint8_t flags);
 /// Whether `prec` is at most 32 and `exp` from -40 to 40.
 bool bcd_is_decimal(const OAK_BCD_T *bcd);
 
+/// Sets the count of digits in use, cut to the record, and clears what is past it.
+void bcd_set_digits_in_use(OAK_BCD_T *bcd, int count);
+
 /// The zero value: `prec`, `exp` and digits 0, sign +1, with these conditions.
 void bcd_set_zero(OAK_BCD_T *bcd, int flags = 0);
 void work_set_zero(WORK_BCD *work, int flags = 0);
