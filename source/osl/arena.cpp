@@ -7,6 +7,8 @@
 // realloc, which moves pages, not bytes, where the block is big.
 #include "arena.h"
 
+#include "osl_debug.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <new>
@@ -191,8 +193,9 @@ void arena_destroy(Arena *arena) {
 #ifndef NDEBUG
 namespace {
 
-/// The lists of the process-wide tags belong to any thread.
-pthread_mutex_t process_lock = PTHREAD_MUTEX_INITIALIZER;
+/// The lists of the process-wide tags belong to any thread. It may be taken twice:
+/// the callback of a report may allocate.
+pthread_mutex_t process_lock = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
 
 class NoteGuard {
   public:
@@ -249,3 +252,23 @@ void note_released(Arena *arena, BlockHeader *header) {
 #endif
 
 } // namespace osl
+
+#ifndef NDEBUG
+uint64_t osl_leakReport(OSL_MEMTAG tag, OAK_OUTPUT_FCN fcn, OAK_OUTPUT_CTX ctx) {
+    const osl::Arena *arena = osl::arena_of(tag);
+    if (arena == nullptr) {
+        return 0;
+    }
+    const osl::NoteGuard guard(arena);
+    uint64_t count = 0;
+    OAK_RETCODE status = sOKAY;
+    for (const osl::BlockHeader *header = arena->live; header != nullptr; header = header->next) {
+        ++count;
+        if (status == sOKAY) {
+            status = osl_fnprintf(fcn, ctx, "%s:%d: %zu bytes\n", header->file,
+                                  static_cast<int>(header->line), header->asked);
+        }
+    }
+    return count;
+}
+#endif

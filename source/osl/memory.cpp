@@ -18,16 +18,25 @@ size_t text_size(const void *source) {
     return source != nullptr ? std::strlen(static_cast<const char *>(source)) + 1 : 0;
 }
 
-OAK_RETCODE get_filled(size_t size, Arena *arena, uint32_t flags, const void *source, void **out,
-                       const char *file, int32_t line) {
-    const bool copies = flags == OSL_MEM_COPY || flags == OSL_MEM_STRING;
-    if (flags == OSL_MEM_STRING) {
-        size = text_size(source);
+/// A block with undefined contents, null when memory is exhausted.
+inline void *get_plain(Arena *arena, size_t size, const char *file, int32_t line) {
+    return osl::refuses(osl::Resource::memory) ? nullptr : osl::arena_get(arena, size, file, line);
+}
+
+OAK_RETCODE get(size_t size, OSL_MEMTAG tag, uint32_t flags, const void *source, void **out,
+                const char *file, int32_t line) {
+    Arena *arena = osl::arena_of(tag);
+    if (arena == nullptr || out == nullptr) {
+        return eINVNULLARG;
     }
+    const bool copies = flags == OSL_MEM_COPY || flags == OSL_MEM_STRING;
     if (copies && source == nullptr && (flags == OSL_MEM_STRING || size > 0)) {
         return eINVNULLARG;
     }
-    void *block = osl::arena_get(arena, size, file, line);
+    if (flags == OSL_MEM_STRING) {
+        size = text_size(source);
+    }
+    void *block = get_plain(arena, size, file, line);
     if (block == nullptr) {
         return eNOMEMORY;
     }
@@ -38,22 +47,6 @@ OAK_RETCODE get_filled(size_t size, Arena *arena, uint32_t flags, const void *so
     }
     *out = block;
     return sOKAY;
-}
-
-OAK_RETCODE get(size_t size, OSL_MEMTAG tag, uint32_t flags, const void *source, void **out,
-                const char *file, int32_t line) {
-    Arena *arena = osl::arena_of(tag);
-    if (arena == nullptr || out == nullptr) [[unlikely]] {
-        return eINVNULLARG;
-    }
-    if (osl::refuses(osl::Resource::memory)) {
-        return eNOMEMORY;
-    }
-    if (flags != OSL_MEM_PLAIN) {
-        return get_filled(size, arena, flags, source, out, file, line);
-    }
-    *out = osl::arena_get(arena, size, file, line);
-    return *out != nullptr ? sOKAY : eNOMEMORY;
 }
 
 /// The block becomes a copy of a text, which may lie in the block itself.
@@ -92,15 +85,19 @@ OAK_RETCODE extend(void *old, size_t size, OSL_MEMTAG tag, uint32_t flags, size_
     return sOKAY;
 }
 
-/// Where the plain calls end: the block, or the tag's jump, or null.
-void *block_or_jump(OAK_RETCODE status, void *block, OSL_MEMTAG tag) {
-    if (status == sOKAY) [[likely]] {
-        return block;
-    }
-    if (status == eNOMEMORY && osl::arena_of(tag)->no_memory_exit != nullptr) {
-        longjmp(*osl::arena_of(tag)->no_memory_exit, eNOMEMORY);
+/// Where a plain call without memory ends: at the tag's jump, or with null.
+void *jump_or_null(const Arena *arena) {
+    if (arena->no_memory_exit != nullptr) {
+        longjmp(*arena->no_memory_exit, eNOMEMORY);
     }
     return nullptr;
+}
+
+void *block_or_jump(OAK_RETCODE status, void *block, OSL_MEMTAG tag) {
+    if (status == sOKAY) {
+        return block;
+    }
+    return status == eNOMEMORY ? jump_or_null(osl::arena_of(tag)) : nullptr;
 }
 
 } // namespace
@@ -145,7 +142,12 @@ void osl_freeTagMem(OSL_MEMTAG tag, int32_t, const char *, int32_t) {
 
 void *osl_getMem(size_t size, OSL_MEMTAG tag, uint32_t flags, const void *source, const char *file,
                  int32_t line) {
+    Arena *arena = osl::arena_of(tag);
     void *block = nullptr;
+    if (flags == OSL_MEM_PLAIN && arena != nullptr) [[likely]] {
+        block = get_plain(arena, size, file, line);
+        return block != nullptr ? block : jump_or_null(arena);
+    }
     const OAK_RETCODE status = get(size, tag, flags, source, &block, file, line);
     return block_or_jump(status, block, tag);
 }
