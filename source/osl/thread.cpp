@@ -37,11 +37,15 @@ void *run(void *record) {
     return reinterpret_cast<void *>(static_cast<intptr_t>(status));
 }
 
-/// The smallest stack that the system takes and that holds `size` bytes.
-size_t stack_size(size_t size) {
+/// Sets the smallest stack that the system takes and that holds `size` bytes.
+bool set_stack_size(pthread_attr_t *attributes, size_t size) {
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     const auto least = static_cast<size_t>(PTHREAD_STACK_MIN);
-    return (std::max(size, least) + page - 1) / page * page;
+    if (size > static_cast<size_t>(PTRDIFF_MAX)) {
+        return false;
+    }
+    const size_t pages = (std::max(size, least) + page - 1) / page;
+    return pthread_attr_setstacksize(attributes, pages * page) == 0;
 }
 
 bool start_thread(Start *start, size_t size, pthread_t *id) {
@@ -49,9 +53,8 @@ bool start_thread(Start *start, size_t size, pthread_t *id) {
     if (pthread_attr_init(&attributes) != 0) {
         return false;
     }
-    const bool started =
-        (size == 0 || pthread_attr_setstacksize(&attributes, stack_size(size)) == 0) &&
-        pthread_create(id, &attributes, run, start) == 0;
+    const bool started = (size == 0 || set_stack_size(&attributes, size)) &&
+                         pthread_create(id, &attributes, run, start) == 0;
     pthread_attr_destroy(&attributes);
     return started;
 }
