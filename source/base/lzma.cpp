@@ -108,15 +108,19 @@ RANGE_CODER_INLINE uint32_t slot_bits(uint32_t slot) {
     return (slot >> 1) - 1;
 }
 
-void rep_to_front(uint32_t *reps, uint32_t index) {
-    const uint32_t distance = reps[index];
-    for (; index > 0; --index) {
-        reps[index] = reps[index - 1];
-    }
+// Without an index that varies, so that the four can live in registers.
+RANGE_CODER_INLINE void rep_to_front(uint32_t *reps, uint32_t index) {
+    const uint32_t distance = index == 0   ? reps[0]
+                              : index == 1 ? reps[1]
+                              : index == 2 ? reps[2]
+                                           : reps[3];
+    reps[3] = index >= 3 ? reps[2] : reps[3];
+    reps[2] = index >= 2 ? reps[1] : reps[2];
+    reps[1] = index >= 1 ? reps[0] : reps[1];
     reps[0] = distance;
 }
 
-void push_rep(uint32_t *reps, uint32_t distance) {
+RANGE_CODER_INLINE void push_rep(uint32_t *reps, uint32_t distance) {
     reps[3] = reps[2];
     reps[2] = reps[1];
     reps[1] = reps[0];
@@ -418,21 +422,36 @@ OAK_RETCODE append_stream(LZMA lzma, const OAK_BUFFER *src, OAK_BUFFER *dst) {
 
 // ---- Decompression ----------------------------------------------------------
 
+// Where a decompression stands between packets.
 struct Decompressor {
     const uint8_t *in;
     const uint8_t *in_end;
     OAK_BUFFER *dst;
     size_t result_size;
+    size_t at; // bytes decoded
+    uint32_t state;
+    uint32_t reps[kReps];
+    range_coder::DecoderState coder;
 };
+
+// The most bytes that one packet takes: one for each of its bits at the most.
+constexpr ptrdiff_t kMostPacketBytes = 64;
+
+// The first room of an output: the announced size, unless that is far more than
+// the input would usually hold.
+size_t first_room(size_t input, size_t result_size) {
+    constexpr size_t kUsualRatio = 64;
+    constexpr size_t kLeastRoom = 4096;
+    return std::min(result_size, std::max(input * kUsualRatio, kLeastRoom));
+}
 
 // Room for `needed` bytes: up to the announced size in steps that double, so
 // that memory follows what was decoded; beyond it, where a last match may lead,
 // in steps of 256.
 OAK_RETCODE reserve_output(OAK_BUFFER *dst, size_t needed, size_t result_size) {
     while (dst->size < needed) {
-        const size_t doubled = std::max<size_t>(dst->size * 2, 4096);
-        const size_t wanted =
-            dst->size < result_size ? std::min(doubled, result_size) : dst->size + kOutputStep;
+        const size_t wanted = dst->size < result_size ? std::min(dst->size * 2, result_size)
+                                                      : dst->size + kOutputStep;
         const OAK_RETCODE status = b_buffIncreaseSize(dst, wanted);
         if (status != sOKAY) {
             return status;
@@ -500,77 +519,117 @@ RANGE_CODER_INLINE void copy_match(uint8_t *to, size_t distance, uint32_t len) {
     }
 }
 
-// Decodes packets until the announced size is reached. The end of the input
-// jumps; lzma->output_pos then tells how much stands.
-__attribute__((noinline)) OAK_RETCODE decompress(LZMA lzma, const Decompressor &d) {
-    const uint8_t *in = d.in;
-    const uint8_t *const in_end = d.in_end;
-    jmp_buf *const error = lzma->error_buf;
-    const auto next = [&in, in_end, error]() -> uint32_t {
-        if (in == in_end) {
-            longjmp(*error, sEOS);
-        }
-        return *in++;
-    };
+template <class Next>
+RANGE_CODER_INLINE uint8_t decode_literal(Decompressor &d, Next &&next, LZMA_PROBS &probs,
+                                          const uint8_t *out) {
+    RANGE_PROB *models = literal_models(probs, d.at > 0 ? out[d.at - 1] : 0);
+    const uint32_t byte =
+        d.state < kFirstStateAfterMatch
+            ? range_coder::decode_tree(d.coder, next, models, 8)
+            : range_coder::decode_matched(d.coder, next, models, out[d.at - 1 - d.reps[0]]);
+    d.state = lzma_next_state_LIT[d.state];
+    return static_cast<uint8_t>(byte);
+}
+
+// Decodes a match or a repeat; its distance is then the first of `reps`.
+// Returns its length.
+template <class Next>
+RANGE_CODER_INLINE uint32_t decode_match(Decompressor &d, Next &&next, LZMA_PROBS &probs,
+                                         uint32_t pos_state) {
+    if (range_coder::decode_bit(d.coder, next, probs.rep[d.state]) == 0) {
+        const uint32_t len = decode_len(d.coder, next, probs, pos_state);
+        push_rep(d.reps, decode_distance(d.coder, next, probs, len));
+        d.state = lzma_next_state_MATCH[d.state];
+        return len;
+    }
+    bool is_short = false;
+    rep_to_front(d.reps, decode_rep_index(d.coder, next, probs, d.state, pos_state, is_short));
+    if (is_short) {
+        d.state = lzma_next_state_SHORTREP[d.state];
+        return 1;
+    }
+    const uint32_t len = decode_len(d.coder, next, probs, pos_state);
+    d.state = lzma_next_state_LONGREP[d.state];
+    return len;
+}
+
+// Decodes packets until the announced size is reached or, where `next` does not
+// check for the end of the input, while the input holds a packet for sure.
+template <bool kChecksInput, class Next>
+RANGE_CODER_INLINE OAK_RETCODE decode_packets(LZMA lzma, Decompressor &d, Next &&next) {
     LZMA_PROBS &probs = lzma->probs;
-    uint32_t state = 0;
-    uint32_t reps[kReps] = {0, 0, 0, 0};
     uint8_t *out = d.dst->data;
-    size_t room = d.dst->size;
-    size_t at = 0;
-    range_coder::DecoderState coder = range_coder::start_decoder(next);
-    while (at < d.result_size) {
-        const uint32_t pos_state = static_cast<uint32_t>(at) & kPosMask;
-        uint32_t len = 1;
-        if (range_coder::decode_bit(coder, next, probs.is_match[state][pos_state]) == 0) {
-            RANGE_PROB *models = literal_models(probs, at > 0 ? out[at - 1] : 0);
-            const uint32_t byte =
-                state < kFirstStateAfterMatch
-                    ? range_coder::decode_tree(coder, next, models, 8)
-                    : range_coder::decode_matched(coder, next, models, out[at - 1 - reps[0]]);
-            state = lzma_next_state_LIT[state];
-            if (at == room) {
-                const OAK_RETCODE status = reserve_output(d.dst, at + 1, d.result_size);
+    while (d.at < d.result_size && (kChecksInput || d.in_end - d.in >= kMostPacketBytes)) {
+        const uint32_t pos_state = static_cast<uint32_t>(d.at) & kPosMask;
+        if (range_coder::decode_bit(d.coder, next, probs.is_match[d.state][pos_state]) == 0) {
+            const uint8_t byte = decode_literal(d, next, probs, out);
+            if (d.at == d.dst->size) {
+                const OAK_RETCODE status = reserve_output(d.dst, d.at + 1, d.result_size);
                 if (status != sOKAY) {
                     return status;
                 }
                 out = d.dst->data;
-                room = d.dst->size;
             }
-            out[at] = static_cast<uint8_t>(byte);
-        } else {
-            if (range_coder::decode_bit(coder, next, probs.rep[state]) == 0) {
-                len = decode_len(coder, next, probs, pos_state);
-                push_rep(reps, decode_distance(coder, next, probs, len));
-                state = lzma_next_state_MATCH[state];
-            } else {
-                bool is_short = false;
-                rep_to_front(reps,
-                             decode_rep_index(coder, next, probs, state, pos_state, is_short));
-                if (is_short) {
-                    state = lzma_next_state_SHORTREP[state];
-                } else {
-                    len = decode_len(coder, next, probs, pos_state);
-                    state = lzma_next_state_LONGREP[state];
-                }
-            }
-            if (reps[0] >= at) {
-                return eDBCORRUPTED; // the distance leads before the first byte
-            }
-            if (room - at < len) {
-                const OAK_RETCODE status = reserve_output(d.dst, at + len, d.result_size);
-                if (status != sOKAY) {
-                    return status;
-                }
-                out = d.dst->data;
-                room = d.dst->size;
-            }
-            copy_match(out + at, static_cast<size_t>(reps[0]) + 1, len);
+            out[d.at++] = byte;
+            continue;
         }
-        at += len;
-        lzma->output_pos = at;
+        const uint32_t len = decode_match(d, next, probs, pos_state);
+        if (d.reps[0] >= d.at) {
+            return eDBCORRUPTED; // the distance leads before the first byte
+        }
+        if (d.dst->size - d.at < len) {
+            const OAK_RETCODE status = reserve_output(d.dst, d.at + len, d.result_size);
+            if (status != sOKAY) {
+                return status;
+            }
+            out = d.dst->data;
+        }
+        copy_match(out + d.at, static_cast<size_t>(d.reps[0]) + 1, len);
+        d.at += len;
     }
     return sOKAY;
+}
+
+// Decodes while no packet can pass the end of the input.
+__attribute__((noinline)) OAK_RETCODE decode_safe_part(LZMA lzma, Decompressor &shared) {
+    Decompressor d = shared; // a copy of its own, so that it lives in registers
+    const auto next = [&d]() -> uint32_t { return *d.in++; };
+    const OAK_RETCODE status = decode_packets<false>(lzma, d, next);
+    shared = d;
+    return status;
+}
+
+// Delivers the input byte by byte. Its end jumps; lzma->output_pos then tells
+// how much stands.
+RANGE_CODER_INLINE auto checked_input(LZMA lzma, Decompressor &d) {
+    return [&d, lzma]() -> uint32_t {
+        if (d.in == d.in_end) {
+            lzma->output_pos = d.at;
+            longjmp(*lzma->error_buf, sEOS);
+        }
+        return *d.in++;
+    };
+}
+
+// Decodes the rest.
+__attribute__((noinline)) OAK_RETCODE decode_last_part(LZMA lzma, Decompressor &d) {
+    return decode_packets<true>(lzma, d, checked_input(lzma, d));
+}
+
+OAK_RETCODE decompress(LZMA lzma, Decompressor &d) {
+    const auto input = static_cast<size_t>(d.in_end - d.in);
+    OAK_RETCODE status = b_buffIncreaseSize(d.dst, first_room(input, d.result_size));
+    if (status == sOKAY) {
+        d.coder = range_coder::start_decoder(checked_input(lzma, d));
+    }
+    if (status == sOKAY) {
+        status = decode_safe_part(lzma, d);
+    }
+    if (status == sOKAY) {
+        status = decode_last_part(lzma, d);
+    }
+    lzma->output_pos = d.at;
+    return status;
 }
 
 // Reads the announced length at the source's position and how many bytes it
@@ -586,10 +645,9 @@ OAK_RETCODE read_length(const OAK_BUFFER *src, uint64_t *length, size_t *used) {
 
 // Runs the decompression with the jump set. A stream that ends early counts as
 // read to its end.
-OAK_RETCODE decompress_guarded(LZMA lzma, const Decompressor &d) {
+OAK_RETCODE decompress_guarded(LZMA lzma, Decompressor &d) {
     jmp_buf error;
     lzma->error_buf = &error;
-    lzma->output_pos = 0;
     const int jumped = setjmp(error);
     OAK_RETCODE status = sOKAY;
     if (jumped == 0) {
@@ -659,8 +717,14 @@ OAK_RETCODE b_lzmaDecompress(LZMA lzma, const OAK_BUFFER *src, OAK_BUFFER *dst) 
     if (length > UINT32_MAX) {
         return eDBCORRUPTED;
     }
-    const Decompressor d{src->data + src->pos + used, src->data + src->len, dst,
-                         static_cast<size_t>(length)};
+    Decompressor d{src->data + src->pos + used,
+                   src->data + src->len,
+                   dst,
+                   static_cast<size_t>(length),
+                   0,
+                   0,
+                   {0, 0, 0, 0},
+                   {0, 0}};
     status = decompress_guarded(lzma, d);
     if (status == sOKAY) {
         dst->len = lzma->output_pos;

@@ -239,6 +239,7 @@ template <class Next>
 RANGE_CODER_INLINE uint32_t decode_tree(DecoderState &state, Next &&next, RANGE_PROB *prob,
                                         uint32_t bits) {
     uint32_t index = 1;
+#pragma GCC unroll 8
     for (uint32_t i = 0; i < bits; ++i) {
         index = index << 1 | decode_bit(state, next, prob[index - 1]);
     }
