@@ -1,0 +1,52 @@
+// Internal to the schema and the item formats: a finalized table as the item
+// formats read it, inline, since every column of every row passes here. The
+// records stay the schema's; nothing is changed through these.
+#ifndef SCHEMA_VIEW_INTERNAL_H
+#define SCHEMA_VIEW_INTERNAL_H
+
+#include "schema.h"
+#include "schema_internal.h"
+
+namespace schema_view {
+
+/// The row buffer's layout.
+inline const OAK_ROW_BUFFER_INFO &row_layout(SCH_TBL_INFO_C ti) {
+    return ti->bufferInfo;
+}
+
+/// The column at a position among the live columns, below num_cols.
+inline SCH_COL_INFO_C live_column(SCH_TBL_INFO_C ti, OAK_COL_INDEX position) {
+    return ti->cols[ti->active_ndx != nullptr ? ti->active_ndx[position] : position];
+}
+
+/// The position of a column among the live ones; OAK_INDEX_NONE for a dropped one.
+inline OAK_COL_INDEX live_position(SCH_TBL_INFO_C ti, OAK_COL_INDEX ndx) {
+    return ti->active_ndx != nullptr ? sch_find_col_active_ndx(ti, ndx) : ndx;
+}
+
+/// The effective type: the domain's where the column has one.
+inline SCH_TYPE_INFO_C type_of(SCH_COL_INFO_C ci) {
+    return ci->domain != nullptr ? &ci->domain->type : &ci->type;
+}
+
+inline bool is_large_object(SCH_COL_INFO_C ci) {
+    return (static_cast<uint32_t>(type_of(ci)->type) & OAK_TYPE_LARGE_OBJECT) != 0;
+}
+
+inline bool is_rowid(SCH_COL_INFO_C ci) {
+    return type_of(ci)->type == OAK_ROWID;
+}
+
+/// A foreign key column: its value is reached through the join.
+inline bool is_foreign_key(SCH_COL_INFO_C ci) {
+    return ci->ref != nullptr;
+}
+
+/// The key with an AVL number, null where none is.
+inline SCH_KEY_INFO_C avl_key(SCH_TBL_INFO_C ti, OAK_KEY_INDEX number) {
+    return number < ti->next_avl ? ti->avls[number] : nullptr;
+}
+
+} // namespace schema_view
+
+#endif
