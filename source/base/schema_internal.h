@@ -11,11 +11,15 @@
 #ifndef SCHEMA_INTERNAL_H
 #define SCHEMA_INTERNAL_H
 
-#include "ll.h"
-#include "schema_handles.h"
-#include "schema_types.h"
+#include <algorithm>
+#include <cstring>
+#include <strings.h>
 
-struct OAK_TYPE_INFO; // a type's operations, of oakvaluetypes.h
+#include "ll.h"
+#include "oakvaluetypes.h"
+#include "schema_handles.h"
+#include "schema_structs.h"
+#include "schema_types.h"
 
 namespace oak::schema {
 
@@ -121,6 +125,7 @@ struct _SCH_DRAWER_INFO {
         SCH_KEY_INFO ki;
         SCH_REF_INFO ri;
         SCH_COL_INFO ci;
+        const void *any; // whichever it is
     } obj;
     OAK_BOOL_T compact; // items hold a native wide character
     OAK_TBL_INDEX src_tblid;
@@ -284,5 +289,263 @@ struct _SCH_TRIG_INFO {
     OAK_TRC_INDEX max_colrefs;   // entries of `colrefs`
     _SCH_TRIG_COL_INFO *colrefs; // by value
 };
+
+// ---- What the schema's sources share -----------------------------------------
+
+namespace oak::schema {
+
+/// The type that counts: the domain's where the column has a domain.
+inline SCH_TYPE_INFO effective_type(SCH_COL_INFO ci) {
+    return ci->domain != nullptr ? &ci->domain->type : &ci->type;
+}
+inline SCH_TYPE_INFO_C effective_type(SCH_COL_INFO_C ci) {
+    return effective_type(const_cast<SCH_COL_INFO>(ci));
+}
+
+/// The mutable handle behind a read-only one. Lookups and iterators take
+/// read-only parents and hand out the object's own handle; the lazy caches are
+/// filled under read-only handles; and some drops take one.
+template <class Record>
+Record *own_handle(const Record *object) {
+    return const_cast<Record *>(object);
+}
+
+// Limits of the indexes in use. Counts and limits are set from outside, so no
+// walk goes by them alone: none leaves the array.
+inline OAK_COL_INDEX column_limit(SCH_TBL_INFO_C ti) {
+    return std::min(ti->next_col, ti->max_col);
+}
+inline OAK_KEY_INDEX key_limit(SCH_TBL_INFO_C ti) {
+    return std::min(ti->next_key, ti->max_keys);
+}
+inline OAK_REF_INDEX owner_limit(SCH_TBL_INFO_C ti) {
+    return std::min(ti->next_own, ti->max_owns);
+}
+
+/// What stands at an index, null at or beyond the limit.
+template <class Record>
+Record *entry(Record *const *array, uint32_t limit, uint32_t ndx) {
+    return ndx < limit ? array[ndx] : nullptr;
+}
+
+/// The object's index, or the number that means none.
+template <class Record>
+OAK_INDEX index_or_none(const Record *object) {
+    return object != nullptr ? object->ndx : OAK_INDEX_NONE;
+}
+inline OAK_DRAWER number_or_none(SCH_DRAWER_INFO_C di) {
+    return di != nullptr ? di->ndx : OAK_DRAWER_NONE;
+}
+
+// ---- May it be changed -------------------------------------------------------
+
+// The records of the system table are constant and their `sch` is null: every
+// setter, finalization and drop asks here first.
+inline OAK_RETCODE changeable(const _SCH_INFO *sch) {
+    return sch != nullptr ? sOKAY : eINVNULLARG;
+}
+inline OAK_RETCODE belongs_to(const _SCH_INFO *sch) {
+    return sch != nullptr ? sOKAY : eBADCAT;
+}
+inline OAK_RETCODE changeable(const _SCH_TYPE_INFO *pi) {
+    return pi != nullptr ? belongs_to(pi->sch) : eINVNULLARG;
+}
+inline OAK_RETCODE changeable(const _SCH_DOMAIN_INFO *mi) {
+    return mi != nullptr ? belongs_to(mi->sch) : eINVNULLARG;
+}
+inline OAK_RETCODE changeable(const _SCH_DRAWER_INFO *di) {
+    return di != nullptr ? belongs_to(di->sch) : eINVNULLARG;
+}
+inline OAK_RETCODE changeable(const _SCH_TBL_INFO *ti) {
+    return ti != nullptr ? belongs_to(ti->sch) : eINVNULLARG;
+}
+inline OAK_RETCODE changeable(const _SCH_COL_INFO *ci) {
+    return ci != nullptr ? changeable(ci->table) : eINVNULLARG;
+}
+inline OAK_RETCODE changeable(const _SCH_KEY_INFO *ki) {
+    return ki != nullptr ? changeable(ki->table) : eINVNULLARG;
+}
+inline OAK_RETCODE changeable(const _SCH_ELEM_INFO *ei) {
+    return ei != nullptr ? changeable(ei->key) : eINVNULLARG;
+}
+inline OAK_RETCODE changeable(const _SCH_REF_INFO *ri) {
+    return ri != nullptr ? changeable(ri->table) : eINVNULLARG;
+}
+inline OAK_RETCODE changeable(const _SCH_TRIG_INFO *trgi) {
+    return trgi != nullptr ? sOKAY : eINVNULLARG;
+}
+inline OAK_RETCODE changeable(const _SCH_TRIG_COL_INFO *tci) {
+    return tci != nullptr ? sOKAY : eINVNULLARG;
+}
+
+// ---- The schema's memory -----------------------------------------------------
+
+inline OSL_MEMTAG tag_of(SCH_INFO_C sch) {
+    return sch->tag;
+}
+inline OSL_MEMTAG tag_of(SCH_TYPE_INFO_C pi) {
+    return pi->sch->tag;
+}
+inline OSL_MEMTAG tag_of(SCH_DOMAIN_INFO_C mi) {
+    return mi->sch->tag;
+}
+inline OSL_MEMTAG tag_of(SCH_TBL_INFO_C ti) {
+    return ti->sch->tag;
+}
+inline OSL_MEMTAG tag_of(SCH_COL_INFO_C ci) {
+    return ci->table->sch->tag;
+}
+inline OSL_MEMTAG tag_of(SCH_KEY_INFO_C ki) {
+    return ki->table->sch->tag;
+}
+inline OSL_MEMTAG tag_of(SCH_REF_INFO_C ri) {
+    return ri->table->sch->tag;
+}
+
+/// A zeroed block for `count` records; null for none.
+template <class Record>
+OAK_RETCODE get_records(uint32_t count, OSL_MEMTAG tag, Record **out,
+                        const char *file = __builtin_FILE(), int32_t line = __builtin_LINE()) {
+    void *block = nullptr;
+    if (count > 0) {
+        const OAK_RETCODE rc =
+            osl_getMem_rc(count * sizeof(Record), tag, OSL_MEM_ZERO, nullptr, &block, file, line);
+        if (rc != sOKAY) {
+            return rc;
+        }
+    }
+    *out = static_cast<Record *>(block);
+    return sOKAY;
+}
+
+/// sch_new_size_input for a typed array.
+template <class Item>
+OAK_RETCODE resize(Item **array, uint32_t have, uint32_t want, OSL_MEMTAG tag) {
+    void *block = *array;
+    const OAK_RETCODE rc = sch_new_size_input(have, want, sizeof(Item), &block, tag);
+    if (rc == sOKAY) {
+        *array = static_cast<Item *>(block);
+    }
+    return rc;
+}
+
+/// Frees a block or text and forgets it.
+template <class Item>
+void release(Item **place, OSL_MEMTAG tag) {
+    OSL_FREE(const_cast<std::remove_const_t<Item> *>(*place), tag);
+    *place = nullptr;
+}
+
+// ---- Lists of related objects ------------------------------------------------
+
+/// Where `item` stands in a list; `count` when it does not.
+template <class Record, class Index>
+Index position_in(Record *const *list, Index count, const Record *item) {
+    return static_cast<Index>(std::find(list, list + count, item) - list);
+}
+
+template <class Record, class Index>
+OAK_RETCODE append(Record ***list, Index *count, Record *item, OSL_MEMTAG tag) {
+    const OAK_RETCODE rc = resize(list, *count, *count + 1u, tag);
+    if (rc == sOKAY) {
+        (*list)[(*count)++] = item;
+    }
+    return rc;
+}
+
+/// Takes out the entry at a position of a list that has it; later entries move
+/// down, and an empty list has no array.
+template <class Record, class Index>
+void remove_at(Record ***list, Index *count, Index position, OSL_MEMTAG tag) {
+    std::copy(*list + position + 1, *list + *count, *list + position);
+    --*count;
+    if (*count == 0) {
+        release(list, tag);
+    }
+}
+
+/// Takes `item` out of a list if it is there.
+template <class Record, class Index>
+void remove_from(Record ***list, Index *count, const Record *item, OSL_MEMTAG tag) {
+    const Index position = position_in(*list, *count, item);
+    if (position < *count) {
+        remove_at(list, count, position, tag);
+    }
+}
+
+// A column belongs to a key or a reference exactly when it lists it.
+inline bool is_element(SCH_KEY_INFO_C ki, SCH_COL_INFO_C ci) {
+    if (ki->num_elems < ci->num_keys) { // the shorter list tells as well
+        return std::any_of(ki->elems, ki->elems + ki->num_elems,
+                           [ci](const _SCH_ELEM_INFO &ei) { return ei.col == ci; });
+    }
+    return position_in(ci->keys, ci->num_keys, ki) < ci->num_keys;
+}
+inline bool is_referencing(SCH_REF_INFO_C ri, SCH_COL_INFO_C ci) {
+    return position_in(ci->refs, ci->num_refs, ri) < ci->num_refs;
+}
+inline bool is_sort_column(SCH_REF_INFO_C ri, SCH_COL_INFO_C ci) {
+    return position_in(ci->sortrefs, ci->num_sortrefs, ri) < ci->num_sortrefs;
+}
+
+/// Lowers a count that comes from outside and may be too small.
+template <class Count>
+void lower(Count *count) {
+    *count = static_cast<Count>(*count - (*count > 0));
+}
+
+// ---- Names -------------------------------------------------------------------
+
+/// strcasecmp that takes an object without a name for one with an empty name.
+inline int compare_names(const char *one, const char *other) {
+    return strcasecmp(one != nullptr ? one : "", other != nullptr ? other : "");
+}
+
+// ---- Layout ------------------------------------------------------------------
+
+/// Values laid one after another, each where its type's alignment allows. Offsets
+/// are reckoned in 64 bits, so that the sum of the longest columns does not wrap.
+struct Layout {
+    uint64_t end = 0;            // where the next value would begin, not aligned
+    ALIGN_TYPE align = ALN_CHAR; // the highest of all
+
+    /// Lays a value down and returns its offset.
+    uint64_t place(ALIGN_TYPE kind, uint32_t length) {
+        const uint64_t offset = osl_align(end, kind);
+        end = offset + length;
+        align = std::max(align, kind);
+        return offset;
+    }
+
+    uint64_t aligned_end() const { return osl_align(end, align); }
+};
+
+/// The alignment of a column's values; its type must be known.
+inline ALIGN_TYPE alignment_of(SCH_COL_INFO_C ci) {
+    return effective_type(ci)->type_info->ext_align;
+}
+
+// ---- Drawers -----------------------------------------------------------------
+
+/// The position of the first drawer whose number is not below `id` in the
+/// schema's packed array. Without holes that is `id` less the two unused
+/// numbers, so that place is tried first.
+inline OAK_DRAWER drawer_position(SCH_INFO_C sch, OAK_DRAWER id) {
+    constexpr OAK_DRAWER kUnused = 2;
+    if (id >= kUnused && id - kUnused < sch->drawers_used &&
+        sch->drawers[id - kUnused]->ndx == id) {
+        return id - kUnused;
+    }
+    const SCH_DRAWER_INFO *first = sch->drawers;
+    const auto *place =
+        std::lower_bound(first, first + sch->drawers_used, id,
+                         [](SCH_DRAWER_INFO_C di, OAK_DRAWER number) { return di->ndx < number; });
+    return static_cast<OAK_DRAWER>(place - first);
+}
+
+/// The caches that are built at first use go, because what they list changes.
+void discard_caches(SCH_INFO sch);
+
+} // namespace oak::schema
 
 #endif

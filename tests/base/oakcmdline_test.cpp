@@ -55,9 +55,7 @@ struct Outcome {
     std::string out;
     std::string err;
     Strings seen; // "row" for a flag, "row:value" for the rest, in the program's pass
-    OAK_BOOL_T quiet = OAK_FALSE;
-    std::optional<std::string> key;
-    std::optional<std::string> docroot;
+    OAK_CMDLINE_STATUS_A status{};
 };
 
 struct Utility {
@@ -80,22 +78,17 @@ std::optional<std::string> next(OAK_CMDLINE_A *cmd, bool by_long_name, const cha
     return letter != '\0' ? std::optional(std::string(1, letter)) : std::nullopt;
 }
 
-std::optional<std::string> copy_of(const char *text) {
-    return text != nullptr ? std::optional<std::string>(text) : std::nullopt;
-}
-
 Outcome Utility::run(const Strings &args) const {
     std::vector<const char *> argv = {program.c_str()};
     for (const std::string &arg : args) {
         argv.push_back(arg.c_str());
     }
     Outcome outcome;
-    OAK_CMDLINE_STATUS_A status;
     OAK_CMDLINE_A cmd;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     outcome.rc = oak_cmdlineInitEx(&cmd, banner, static_cast<int32_t>(argv.size()), argv.data(),
-                                   description, table, defaults, &status);
+                                   description, table, defaults, &outcome.status);
     if (outcome.rc == sOKAY) {
         const char *arg = nullptr;
         while (const auto row = next(&cmd, by_long_name, &arg)) {
@@ -103,9 +96,6 @@ Outcome Utility::run(const Strings &args) const {
         }
         EXPECT_EQ(arg, nullptr);
     }
-    outcome.quiet = status.quiet;
-    outcome.key = copy_of(status.enc_key);
-    outcome.docroot = copy_of(status.docroot);
     outcome.out = testing::internal::GetCapturedStdout();
     outcome.err = testing::internal::GetCapturedStderr();
     return outcome;
@@ -359,9 +349,9 @@ TEST(StandardOptions, AreTakenOutOfTheCommandLine) {
         Outcome outcome = utility.run(args);
         std::sort(outcome.seen.begin(), outcome.seen.end());
         expect_seen(outcome, {"a", "f:in"});
-        EXPECT_EQ(outcome.quiet, OAK_TRUE);
-        EXPECT_EQ(outcome.key, "aes:k");
-        EXPECT_EQ(outcome.docroot, "/tmp");
+        EXPECT_EQ(outcome.status.quiet, OAK_TRUE);
+        EXPECT_STREQ(outcome.status.enc_key, "aes:k");
+        EXPECT_STREQ(outcome.status.docroot, "/tmp");
     }
 }
 
@@ -369,9 +359,9 @@ TEST(StandardOptions, AreUnsetWhenTheyAreNotGiven) {
     Utility utility;
     utility.defaults = &kAll;
     const Outcome outcome = utility.run({"in"});
-    EXPECT_EQ(outcome.quiet, OAK_FALSE);
-    EXPECT_EQ(outcome.key, std::nullopt);
-    EXPECT_EQ(outcome.docroot, std::nullopt);
+    EXPECT_EQ(outcome.status.quiet, OAK_FALSE);
+    EXPECT_EQ(outcome.status.enc_key, nullptr);
+    EXPECT_EQ(outcome.status.docroot, nullptr);
 }
 
 TEST(StandardOptions, TakeAnEmptyValueAndTheLastOfSeveral) {
@@ -380,8 +370,8 @@ TEST(StandardOptions, TakeAnEmptyValueAndTheLastOfSeveral) {
     const Outcome outcome =
         utility.run({"--key=a", "in", "--docroot", "x", "--key=", "--docroot=y"});
     expect_seen(outcome, {"f:in"});
-    EXPECT_EQ(outcome.key, "");
-    EXPECT_EQ(outcome.docroot, "y");
+    EXPECT_STREQ(outcome.status.enc_key, "");
+    EXPECT_STREQ(outcome.status.docroot, "y");
 }
 
 TEST(StandardOptions, MissTheirValue) {
