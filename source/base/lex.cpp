@@ -151,8 +151,11 @@ bool append_bytes(char *&buffer, size_t &capacity, size_t &used, const void *byt
     return true;
 }
 
-void put_bytes(B_LEX lex, const void *bytes, size_t count) {
-    if (!append_bytes(lex->tokbuf, lex->szTokbuf, lex->tokpos, bytes, count, lex->lextag)) {
+inline void put_bytes(B_LEX lex, const void *bytes, size_t count) {
+    if (lex->tokpos + count < lex->szTokbuf) {
+        std::memcpy(lex->tokbuf + lex->tokpos, bytes, count);
+        lex->tokpos += count;
+    } else if (!append_bytes(lex->tokbuf, lex->szTokbuf, lex->tokpos, bytes, count, lex->lextag)) {
         lex->outOfMemory = OAK_TRUE;
     }
 }
@@ -234,7 +237,7 @@ inline bool take_run(B_LEX lex, Measure measure, bool keep) {
     }
     const INPUT_WINDOW window = input_window(lex->input);
     const size_t count = measure(window.bytes, window.size);
-    if (keep) {
+    if (keep && count != 0) {
         put_bytes(lex, window.bytes, count);
     }
     input_advance(lex->input, count);
@@ -279,7 +282,7 @@ void record_binary(B_LEX lex) {
     record_bytes(lex, lex->tokbuf, lex->tokpos + 1);
 }
 
-// Adds the token last read.
+// Adds the token last read to the recording, of which there is one.
 void record_token(B_LEX lex) {
     switch (lex->toktype) {
         case tokIDENTIFIER:
@@ -319,7 +322,7 @@ B_CHAR skip_space(B_LEX lex) {
             return ch;
         }
         if (ch == ' ' && lex->xpos != 0) {
-            lex_exprPutch(lex, ch);
+            lex_exprPutch(lex, ch); // never the first character
         }
     }
 }
@@ -957,7 +960,9 @@ B_TOKTYPE b_lexGet(B_LEX hLex, B_TOKEN *pTokVal) {
         return pTokVal->type;
     }
     scan_token(hLex, pTokVal);
-    record_token(hLex);
+    if (hLex->saveexpr != OAK_FALSE) {
+        record_token(hLex);
+    }
     return pTokVal->type;
 }
 
