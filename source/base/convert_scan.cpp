@@ -151,9 +151,10 @@ constexpr const B_ACTION *dateStateTable[] = {
 // quoted strings; 41 to 50 the word c_data with subscripts and a word that begins with
 // st, up to its brace, which opens no clause.
 //
-// Two things that the lines do not say by themselves: the character behind a c is
-// copied by state 41 whatever it is, so a brace or quote right behind a c opens
-// nothing; and a hyphen that ends the text is held and never written.
+// Three things that the lines do not say by themselves. The character behind a c is
+// copied by state 41 whatever it is, so a brace or quote right behind a c opens nothing.
+// A hyphen that ends the text is held and never written. And where the text ends in
+// state 50, that state and state 0 write a zero byte each, so the length counts one.
 
 constexpr B_ACTION esc0[] = {{'-', escHold, shift, 1},          {'{', 0, shift, 22},
                              {'"', escWrite, shift, 39},        {'\'', escWrite, shift, 40},
@@ -504,9 +505,7 @@ OAK_RETCODE convert_parseNumber(const char *szNum, int16_t *sign, uint16_t *mag,
     if (szNum == nullptr)
         return eINVNULLARG;
     NumberScan scan;
-    const OAK_RETCODE rc = walkMachine(numberMachine, szNum, scan);
-    if (rc != sOKAY)
-        return rc;
+    OAK_IGNORE_STATUS(walkMachine(numberMachine, szNum, scan), "no rule of numbers fails");
     const int16_t exponent = scan.exponentAs16Bits();
     if (exponent < -largestExponent || exponent > largestExponent)
         return eRANGE;
@@ -528,7 +527,7 @@ OAK_RETCODE b_convertEscapesToSQL(const char *pszIn, char *pszOut, size_t tOutLe
     if (pszIn == nullptr || pszOut == nullptr)
         return eINVNULLARG;
     EscapeRewrite rewrite(pszOut, tOutLen);
-    const OAK_RETCODE rc = walkMachine(escapeMachine, pszIn, rewrite);
+    const OAK_RETCODE rc = walkMachine<Run::ofOneStep>(escapeMachine, pszIn, rewrite);
     if (rc != sOKAY)
         return rc;
     const size_t length = rewrite.terminate();

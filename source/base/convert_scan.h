@@ -40,7 +40,8 @@ OAK_API OAK_RETCODE convert_parseNumber(const char *szNum, int16_t *sign, uint16
  * pass untouched.
  *   tOutLen   bytes of `pszOut`; the input's length plus two always suffices. What
  *             does not fit is dropped, and the text is terminated all the same.
- *   ptResLen  may be null; receives the length of the text in `pszOut`
+ *   ptResLen  may be null; receives the length of the text in `pszOut`. It counts one
+ *             zero byte where the input ends in c_data and a word that begins with st
  * eINVNULLARG: null `pszIn` or `pszOut`. eESCAPE: a clause that is broken or not
  * closed, or a quoted string without end; `pszOut` then holds what was written so
  * far, unterminated. */

@@ -578,14 +578,16 @@ void skipSpaces(const char **pstr) {
 
 // Digits at once: no blanks, no sign.
 OAK_RETCODE parseInt32(const char **pstr, int32_t *value) {
-    if (!isDigit(**pstr))
+    const char *at = *pstr;
+    if (!isDigit(*at))
         return eRANGE;
     int64_t sum = 0;
-    for (; isDigit(**pstr); ++*pstr) {
-        sum = sum * 10 + (**pstr - '0');
+    do {
+        sum = sum * 10 + (*at - '0');
         if (sum > INT32_MAX)
             return eRANGE;
-    }
+    } while (isDigit(*++at));
+    *pstr = at;
     *value = static_cast<int32_t>(sum);
     return sOKAY;
 }
@@ -602,7 +604,8 @@ OAK_RETCODE parseUInt16(const char **pstr, uint16_t *value) {
 }
 
 // One character that the predicate accepts; `found` may be null.
-OAK_RETCODE getSeparator(const char **pstr, bool (*accepts)(char), char *found) {
+template <class Predicate>
+OAK_RETCODE getSeparator(const char **pstr, Predicate accepts, char *found) {
     if (!accepts(**pstr))
         return eRANGE;
     if (found != nullptr)
@@ -611,45 +614,40 @@ OAK_RETCODE getSeparator(const char **pstr, bool (*accepts)(char), char *found) 
     return sOKAY;
 }
 
-OAK_RETCODE expectCharacter(const char **pstr, char ch) {
-    if (**pstr != ch)
-        return eRANGE;
-    ++*pstr;
-    return sOKAY;
+// Three numbers, joined by the same separator twice.
+OAK_RETCODE scanThreeNumbers(const char **pstr, int32_t numbers[3]) {
+    char separator;
+    OAK_RETCODE rc = parseInt32(pstr, &numbers[0]);
+    if (rc == sOKAY)
+        rc = getSeparator(pstr, isDateSeparator, &separator);
+    if (rc == sOKAY)
+        rc = parseInt32(pstr, &numbers[1]);
+    if (rc == sOKAY)
+        rc = getSeparator(
+            pstr, [separator](char ch) { return ch == separator; }, nullptr);
+    if (rc == sOKAY)
+        rc = parseInt32(pstr, &numbers[2]);
+    return rc;
 }
 
-// Three numbers of at most 16 signed bits, joined by the same separator twice.
-OAK_RETCODE scanThreeNumbers(const char **pstr, uint16_t numbers[3]) {
-    char separator = '\0';
-    for (int i = 0; i < 3; ++i) {
-        OAK_RETCODE rc = sOKAY;
-        if (i == 1)
-            rc = getSeparator(pstr, isDateSeparator, &separator);
-        else if (i == 2)
-            rc = expectCharacter(pstr, separator);
-        if (rc == sOKAY)
-            rc = parseUInt16(pstr, &numbers[i]);
-        if (rc == sOKAY && numbers[i] > INT16_MAX)
-            rc = eRANGE;
-        if (rc != sOKAY)
-            return rc;
-    }
-    return sOKAY;
-}
-
+// Each number must fit 16 bits with a sign.
 OAK_RETCODE scanNumericDate(const char **pstr, OAK_DATE_FORMAT format, OAK_DATE_T *fields) {
-    uint16_t n[3];
-    if (scanThreeNumbers(pstr, n) != sOKAY)
+    int32_t numbers[3];
+    if (scanThreeNumbers(pstr, numbers) != sOKAY || numbers[0] > INT16_MAX ||
+        numbers[1] > INT16_MAX || numbers[2] > INT16_MAX)
         return eBASE_INVDATE;
+    const auto first = static_cast<uint16_t>(numbers[0]);
+    const auto second = static_cast<uint16_t>(numbers[1]);
+    const auto third = static_cast<uint16_t>(numbers[2]);
     switch (format) {
         case OAK_YYYYMMDD:
-            *fields = {n[0], n[1], n[2]};
+            *fields = {first, second, third};
             return sOKAY;
         case OAK_DDMMYYYY:
-            *fields = {n[2], n[1], n[0]};
+            *fields = {third, second, first};
             return sOKAY;
         case OAK_MMDDYYYY:
-            *fields = {n[2], n[0], n[1]};
+            *fields = {third, first, second};
             return sOKAY;
         default:
             return eINVDATEFMT;

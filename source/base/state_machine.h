@@ -7,8 +7,8 @@
 // way that no step leaves the text, that no chain of steps stands still, and that every
 // next state is one of the table or past its end.
 //
-// A step that consumes a character and returns to its own state goes on to do so while
-// the characters stay in one class: the walk hands such a run to the rule in one piece.
+// A step that consumes a character and returns to its own state goes on to do so for the
+// next one: the walk hands such a run of characters to the rule in one piece.
 #ifndef STATE_MACHINE_H
 #define STATE_MACHINE_H
 
@@ -42,6 +42,8 @@ struct MachineStep {
     uint8_t rule;
     uint8_t shift;
     uint8_t state;
+
+    constexpr bool operator==(const MachineStep &) const = default;
 };
 
 template <size_t States, size_t Classes>
@@ -160,19 +162,34 @@ consteval auto compile() {
 
 } // namespace state_machine
 
+// How far a run goes: over characters of one class, which is the quickest test and right
+// where the long runs are digits; or over all that call for the same step, which pays
+// where the long runs are words.
+enum class Run { ofOneClass, ofOneStep };
+
+// The length of the run at the front of `text`, whose first step repeats.
+template <Run extent, class Row>
+size_t runLength(const Row &row, const uint8_t (&classOf)[256], const char *text) {
+    const uint8_t cls = classOf[static_cast<uint8_t>(*text)];
+    size_t length = 1;
+    for (;; ++length) {
+        const uint8_t next = classOf[static_cast<uint8_t>(text[length])];
+        if (extent == Run::ofOneClass ? next != cls : row[next] != row[cls])
+            return length;
+    }
+}
+
 // Walks a machine over a terminated text, from state 0 until the next state is none of
 // the table. `rules.perform(rule, run, length)` does what a step asks for with the
 // characters that it is about, one at least; its failure ends the walk.
-template <class AnyMachine, class Rules>
+template <Run extent = Run::ofOneClass, class AnyMachine, class Rules>
 OAK_RETCODE walkMachine(const AnyMachine &machine, const char *text, Rules &rules) {
     size_t state = 0;
     do {
-        const uint8_t cls = machine.classOf[static_cast<uint8_t>(*text)];
-        const MachineStep step = machine.steps[state][cls];
-        size_t length = 1;
-        if (step.shift != 0 && step.state == state)
-            while (machine.classOf[static_cast<uint8_t>(text[length])] == cls)
-                ++length;
+        const auto &row = machine.steps[state];
+        const MachineStep step = row[machine.classOf[static_cast<uint8_t>(*text)]];
+        const bool repeats = step.shift != 0 && step.state == state;
+        const size_t length = repeats ? runLength<extent>(row, machine.classOf, text) : 1;
         if (step.rule != 0) {
             const OAK_RETCODE rc = rules.perform(step.rule, text, length);
             if (rc != sOKAY)

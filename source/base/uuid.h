@@ -26,8 +26,9 @@ OAK_API void oak_uuidCreate(OAK_UUID_T *uuid);
 /* Bytes of the text with its terminator: 37, or 39 with braces. All ones for null. */
 OAK_API size_t oak_uuidStrLen(const OAK_UUID_T *uuid, OAK_BOOL_T braces);
 
-/* Writes the text into `str` of `len` bytes, terminated. sTRUNCATE: `len` is below
- * oak_uuidStrLen; what fits is there. eINVNULLARG: null `uuid`. */
+/* Writes the text into `str` of `len` bytes, terminated; a null `str` is only compared
+ * in length. sTRUNCATE: `len` is below oak_uuidStrLen; what fits is there. eINVNULLARG:
+ * null `uuid`. */
 OAK_API OAK_RETCODE oak_uuidToString(const OAK_UUID_T *uuid, char *str, size_t len,
                                      OAK_BOOL_T braces);
 
