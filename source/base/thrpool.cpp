@@ -10,8 +10,11 @@ namespace {
 
 constexpr const char kThreadName[] = "thread pool";
 
+/// Runs a job. Storing its result is the last that happens to the record, which the
+/// caller may free as soon as it sees that.
 void run(B_THRPOOL_JOB job) {
-    job->rc = job->fcn(job);
+    const OAK_RETCODE rc = job->fcn(job);
+    __atomic_store_n(&job->rc, rc, __ATOMIC_RELEASE);
 }
 
 /// A worker: runs jobs until the queue is closed and empty. Other statuses of the
@@ -82,6 +85,6 @@ OAK_RETCODE b_thrpoolJobResult(const B_THRPOOL_JOB_S *job, OAK_RETCODE *pResult)
     if (job == nullptr || pResult == nullptr) {
         return eINVNULLARG;
     }
-    *pResult = job->rc;
+    *pResult = __atomic_load_n(&job->rc, __ATOMIC_ACQUIRE);
     return sOKAY;
 }

@@ -4,14 +4,14 @@
  * jobs without order among them.
  *
  * Law: the caller owns the pool record, the array of threads and the job
- * records, which live until the pool has stopped or the job has told by means
- * of its own that it ended: the pool gives no notice. Jobs are written to the
- * queue in the order of the calls and start in that order; adding allocates
+ * records. Jobs start in the order in which they were added; adding allocates
  * nothing. b_thrpoolTerm lets every job that was added run before it returns,
  * unless no thread could be started, in which case none runs.
  *
- * A job that touches b_thrpoolJobResult's value publishes it by its own means
- * of ending (a lock, a semaphore, a queue); joining by b_thrpoolTerm is one. */
+ * The pool gives no notice of a job's end. The result is stored after the job's
+ * function returned, and that is the last time that the pool touches the record:
+ * a caller who cannot wait for b_thrpoolTerm puts a value into `rc` that the
+ * function never returns, and looks at b_thrpoolJobResult until it changes. */
 #ifndef THRPOOL_H
 #define THRPOOL_H
 
@@ -57,7 +57,8 @@ OAK_API OAK_RETCODE b_thrpoolInit(B_THRPOOL *pool, uint32_t maxThreads, B_THRPOO
 OAK_API void b_thrpoolTerm(B_THRPOOL *pool);
 /* Hands the job to a worker, which calls `fcn(job)`. eINVNULLARG. */
 OAK_API OAK_RETCODE b_thrpoolAddJob(B_THRPOOL *pool, B_THRPOOL_FCN fcn, B_THRPOOL_JOB job);
-/* The status that an ended job returned. eINVNULLARG. */
+/* The status that the job's function returned; before it has, what the record
+ * held. Safe while the job runs. eINVNULLARG. */
 OAK_API OAK_RETCODE b_thrpoolJobResult(const B_THRPOOL_JOB_S *job, OAK_RETCODE *pResult);
 
 OAK_C_END

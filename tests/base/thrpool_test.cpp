@@ -2,7 +2,9 @@
 #include "thrpool.h"
 
 #include <atomic>
+#include <memory>
 #include <set>
+#include <thread>
 #include <vector>
 
 #include "test_support.h"
@@ -24,7 +26,7 @@ OAK_RETCODE work(B_THRPOOL_JOB_S *head) {
 }
 
 OAK_RETCODE result_of(const Job &job) {
-    OAK_RETCODE result = eFAIL;
+    OAK_RETCODE result = sTIMEOUT;
     EXPECT_EQ(b_thrpoolJobResult(&job.head, &result), sOKAY);
     return result;
 }
@@ -48,6 +50,24 @@ TEST(ThreadPool, RunsEveryJobOnceAndKeepsItsResult) {
         ASSERT_EQ(result_of(job), job.result);
         ASSERT_NE(job.thread, osl_threadId());
     }
+}
+
+// A job's record may go as soon as its result is there.
+TEST(ThreadPool, StoresTheResultAsItsLastTouchOfTheRecord) {
+    B_THRPOOL pool;
+    B_THRPOOL_THREAD_S threads[2];
+    ASSERT_EQ(b_thrpoolInit(&pool, 2, threads), sOKAY);
+    for (int i = 0; i < 200; ++i) {
+        auto job = std::make_unique<Job>();
+        job->head.rc = eFAIL; // what the job never returns
+        ASSERT_EQ(b_thrpoolAddJob(&pool, work, &job->head), sOKAY);
+        while (result_of(*job) == eFAIL) {
+            std::this_thread::yield();
+        }
+        ASSERT_EQ(result_of(*job), sOKAY);
+        ASSERT_EQ(job->runs, 1u);
+    }
+    b_thrpoolTerm(&pool);
 }
 
 TEST(ThreadPool, EndsWithoutAJob) {
