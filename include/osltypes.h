@@ -241,7 +241,7 @@ OAK_API size_t osl_align(size_t offset, ALIGN_TYPE kind);
  * A pool keeps the blocks that are put back, contents and all, and hands them
  * out again; it dies with its tag. Choose one for objects that are dear to
  * construct, or that come and go in great numbers at one size. A pool under a
- * process-wide tag may be shared by threads, as the tag may. */
+ * process-wide tag may be shared by threads, as the tag may; it never dies. */
 
 /* A new pool under the tag. `constructor` (user data, block) runs when a block is
  * first made, not on reuse; `destructor` runs over every block that was made when
@@ -418,7 +418,8 @@ OAK_API OAK_RETCODE osl_makeStrVA_rc(const char *file, int32_t line, char **pTex
 /* The text `old`, a block under the tag, extended by the formatted text, perhaps
  * elsewhere; a null `old` acts as empty. The arguments may point into `old`. On
  * failure (null, or a status as above) `old` stands and is still the caller's.
- * Cost: building a text of n bytes by appending copies O(n). */
+ * Cost: building a text of n bytes by appending copies O(n), and each step
+ * measures the old text. */
 OAK_API char *osl_appendStrVA(const char *file, int32_t line, OSL_MEMTAG tag, char *old,
                               const char *format, ...) OSL_PRINTF_LIKE(5, 6);
 OAK_API OAK_RETCODE osl_appendStrVA_rc(const char *file, int32_t line, char **pText, OSL_MEMTAG tag,

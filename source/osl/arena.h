@@ -287,6 +287,7 @@ inline void *arena_get(Arena *arena, size_t size, const char *file, int32_t line
 }
 
 inline void arena_put(Arena *arena, void *block) {
+    assert(arena != nullptr && "a block is released to the tag that it was taken from");
     BlockHeader *header = header_of(block);
     note_released(arena, header);
     scribble(header, kReleased);

@@ -13,7 +13,7 @@ OAK_C_BEGIN
 
 typedef enum OSL_FAULT_KIND OAK_INT32_ENUM {
     OSL_FAULT_MEMORY = 0, // osl_getMem, osl_extendMem, osl_poolGetMem, tags, pools
-    OSL_FAULT_FILE = 1,   // open, read, write, seek, set size, lock, remove
+    OSL_FAULT_FILE = 1,   // open, read, write, seek, set size, lock, remove; streams, directories
     OSL_FAULT_SYNC = 2,   // osl_syncCreate_check
     OSL_FAULT_THREAD = 3, // osl_threadBeginEx
     OSL_FAULT_KINDS = 4
@@ -27,7 +27,7 @@ OAK_API uint64_t osl_faultDisarm(OSL_FAULT_KIND kind);
 
 typedef enum OSL_LIVE_KIND OAK_INT32_ENUM {
     OSL_LIVE_TAGS = 0,
-    OSL_LIVE_BLOCKS = 1, // blocks under every tag, pool blocks handed out included
+    OSL_LIVE_BLOCKS = 1, // blocks under every tag, pools and the pool blocks handed out included
     OSL_LIVE_FILES = 2,
     OSL_LIVE_SYNCS = 3,
     OSL_LIVE_THREADS = 4,

@@ -7,6 +7,7 @@
 // goes on.
 #include "osl_internal.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include <langinfo.h>
@@ -96,15 +97,50 @@ void append_character(OAK_OUTPUT_BUFF *out, const void *bytes, size_t length) {
     out->used_elems += 1;
 }
 
+/// How many of the bytes at the front are ASCII.
+size_t ascii_length(const char *text, size_t size) {
+    size_t length = 0;
+    for (uint64_t word = 0; size - length >= sizeof word; length += sizeof word) {
+        std::memcpy(&word, text + length, sizeof word);
+        if ((word & 0x8080808080808080) != 0) {
+            break;
+        }
+    }
+    while (length < size && static_cast<uint8_t>(text[length]) <= kLastOneByte) {
+        ++length;
+    }
+    return length;
+}
+
+/// The same as appending each by itself.
+void append_ascii(OAK_OUTPUT_BUFF *out, const char *text, size_t length) {
+    out->needed_chars += length;
+    out->needed_elems += length;
+    if (out->buff == nullptr || out->done == OAK_TRUE) {
+        return;
+    }
+    const size_t room = out->size - 1 - out->used_chars;
+    const size_t fitting = std::min(length, room);
+    std::memcpy(out->buff + out->used_chars, text, fitting);
+    out->used_chars += fitting;
+    out->used_elems += fitting;
+    out->done = fitting < length ? OAK_TRUE : OAK_FALSE;
+}
+
 } // namespace
 
 namespace osl {
 
 void append_utf8(OAK_OUTPUT_BUFF *out, const char *text, size_t size) {
     for (size_t at = 0; at < size;) {
-        const size_t length = character_length(text + at, size - at);
-        append_character(out, text + at, length);
-        at += length;
+        const size_t plain = ascii_length(text + at, size - at);
+        append_ascii(out, text + at, plain);
+        at += plain;
+        if (at < size) {
+            const size_t length = character_length(text + at, size - at);
+            append_character(out, text + at, length);
+            at += length;
+        }
     }
 }
 

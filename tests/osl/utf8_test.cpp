@@ -47,7 +47,7 @@ TEST(Utf8, MakesATerminatedText) {
         char text[5] = "xxxx";
         EXPECT_EQ(osl_uchar_to_utf8(row.code_point, text, sizeof text), text);
         const std::vector<uint8_t> expected = oaktest::unhex(row.bytes);
-        EXPECT_EQ(std::memcmp(text, expected.data(), expected.size()), 0);
+        EXPECT_EQ(oaktest::hex(text, expected.size()), row.bytes);
         EXPECT_EQ(text[expected.size()], '\0');
     }
 }
