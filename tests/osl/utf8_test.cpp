@@ -165,6 +165,43 @@ TEST(OutputBuffer, CutsTextsBetweenCharacters) {
     }
 }
 
+TEST(OutputBuffer, TakesATextAsItTakesItsCharacters) {
+    // Long runs of one byte a character go in at once; the counts must not show it.
+    oaktest::Random random;
+    const uint32_t others[] = {0xe9, 0x20ac, 0x1d11e};
+    for (int round = 0; round < 300; ++round) {
+        std::string text;
+        std::vector<uint32_t> characters;
+        for (uint64_t left = random.below(60); left > 0; --left) {
+            const bool plain = random.below(12) != 0;
+            characters.push_back(plain ? static_cast<uint32_t>('a' + random.below(26))
+                                       : others[random.below(3)]);
+            uint8_t bytes[6];
+            const uint32_t length = osl_utf8_codes(characters.back(), bytes);
+            text.append(reinterpret_cast<char *>(bytes), length);
+        }
+        const size_t size = random.below(80);
+        std::string by_text(80, '#');
+        std::string by_character(80, '#');
+        OAK_OUTPUT_BUFF whole;
+        OAK_OUTPUT_BUFF single;
+        osl_utf8BuffInit(&whole, by_text.data(), size);
+        osl_utf8BuffInit(&single, by_character.data(), size);
+        EXPECT_EQ(osl_outputString(osl_emitCharAsUtf8, &whole, text.c_str()), sOKAY);
+        for (const uint32_t character : characters) {
+            EXPECT_EQ(osl_emitCharAsUtf8(&single, character), sOKAY);
+        }
+        osl_utf8BuffTerm(&whole);
+        osl_utf8BuffTerm(&single);
+        EXPECT_EQ(by_text, by_character);
+        EXPECT_EQ(whole.used_chars, single.used_chars);
+        EXPECT_EQ(whole.used_elems, single.used_elems);
+        EXPECT_EQ(whole.needed_chars, single.needed_chars);
+        EXPECT_EQ(whole.needed_elems, single.needed_elems);
+        EXPECT_EQ(whole.done, single.done);
+    }
+}
+
 TEST(Locale, IsMadeByNameForCollation) {
     OSL_LOCALE locale = osl_createlocale(8, "C");
     ASSERT_NE(locale, nullptr);
