@@ -797,13 +797,10 @@ const char *getWord(B_CHAR ch, B_LEX lex, B_TOKEN *token) {
     return getIdentifier(ch, false, lex, token);
 }
 
+// A token of its own type, or the end of the text.
 const char *getCharacter(B_CHAR ch, B_LEX lex, B_TOKEN *token) {
-    if (ch != 0) {
-        put(lex, ch);
-    }
-    if (!finish_text(lex)) {
-        return kOutOfMemory;
-    }
+    lex->tokbuf[0] = static_cast<char>(ch);
+    lex->tokbuf[1] = 0;
     token->type = static_cast<B_TOKTYPE>(ch);
     token->v.tok = ch;
     return nullptr;

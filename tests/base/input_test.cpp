@@ -2,9 +2,8 @@
 // it is set back, and how it fails.
 #include "input.h"
 
-#include <cstdio>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "lex_internal.h"
 #include "test_support.h"
@@ -46,7 +45,8 @@ class TemporaryFile {
     OSL_FH handle_ = nullptr;
 };
 
-OAK_INPUT_OBJ open_memory(const std::string &text, OSL_MEMTAG tag) {
+// The text is borrowed.
+OAK_INPUT_OBJ open_memory(std::string_view text, OSL_MEMTAG tag) {
     OAK_INPUT_OBJ input = nullptr;
     EXPECT_EQ(b_inputCreateFromMemory(&input, reinterpret_cast<const uint8_t *>(text.data()),
                                       text.size(), tag),

@@ -1107,6 +1107,24 @@ TEST(LexRewind, StatusesAndOwners) {
     b_inputClose(input);
 }
 
+OAK_RETCODE refuse_to_rewind(OAK_INPUT_OBJ, OAK_REWIND_POINT_OBJ) {
+    return eFILEIO;
+}
+
+TEST(LexRewind, RefusalOfTheInputChangesNothing) {
+    Lexer lex("a b c");
+    lex.get();
+    B_LEX_REWIND_POINT_OBJ point = nullptr;
+    ASSERT_EQ(b_lexCreateRewindPoint(lex, &point), sOKAY);
+    lex.get();
+    const B_LEX state = lex;
+    state->input->rewindFcn = refuse_to_rewind;
+    EXPECT_EQ(b_lexRewind(lex, point), eFILEIO);
+    const B_TOKEN token = lex.get();
+    EXPECT_EQ(show(token), "id:C");
+    EXPECT_EQ(token.pos, 5u);
+}
+
 // ---- Files and the slow road -----------------------------------------------
 
 // A file with the given content, at its start.
@@ -1321,6 +1339,7 @@ TEST(LexRecording, KeepsTheSourceOfAnExpression) {
         {"a = 'all'", "a = 'all'"}, // a literal is no word
         {"a = 'x,  y'", "a = 'x,  y'"},
         {"a = \"x\"", "a = \"x\""},
+        {"a = ''", "a = ''"},
         {"a || U&'\\0041'", "a || 'A'"},
         {"a\x80 b", "a b"},
     };
@@ -1525,8 +1544,7 @@ OAK_RETCODE with_lexer(Operation operation) {
 }
 
 TEST(LexMemory, EachFailedAllocationIsSeen) {
-    const std::string text = "select 'abc' x'41' 0x4142 1.2345678901234567890 " +
-                             std::string(500, 'w') + " U&'" + std::string(1000, 'v') + "' 7";
+    std::string text;
     const auto operation = [&](B_LEX lex, OSL_MEMTAG tag) {
         b_lexInit(lex, text.c_str(), "file", 1, tag);
         B_TOKEN token;
@@ -1541,9 +1559,17 @@ TEST(LexMemory, EachFailedAllocationIsSeen) {
         }
         return sOKAY;
     };
-    const uint64_t failures =
-        oaktest::sweep_faults(Resource::memory, {eNOMEMORY}, [&] { return with_lexer(operation); });
-    EXPECT_EQ(failures >= 20, oaktest::faults_are_injected());
+    // Every kind of token short, and each of the growing ones as the first to grow.
+    for (const std::string &each :
+         {std::string("select 'abc' x'41' 0x4142 1.2345678901234567890 U&'x' 7 1.5 ("),
+          std::string(500, 'w'), "'" + std::string(500, 'w') + "'",
+          "U&'" + std::string(500, 'w') + "'", "1e" + std::string(500, '0'),
+          "x'" + std::string(500, '4') + "'", "0x" + std::string(500, '4')}) {
+        text = each;
+        const uint64_t failures = oaktest::sweep_faults(Resource::memory, {eNOMEMORY},
+                                                        [&] { return with_lexer(operation); });
+        EXPECT_EQ(failures >= 10, oaktest::faults_are_injected()) << text;
+    }
 }
 
 TEST(LexMemory, OpeningLeavesNothingBehindWhenItFails) {
