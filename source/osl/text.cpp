@@ -12,33 +12,33 @@ namespace {
 
 constexpr size_t kStackText = 512;
 
-/// A formatted text: on the stack where it is short, else in a block that the
-/// tag's owner releases.
+/// A formatted text: on the stack where it is short, else in a block of its own.
 struct Formatted {
     char stack[kStackText];
     char *text;
     size_t length;
 };
 
-/// Prints into a block of `length` + 1 bytes under the tag.
-OAK_RETCODE format_block(OSL_MEMTAG tag, size_t length, const char *format, va_list args,
-                         char **out, const char *file, int32_t line) OSL_PRINTF_LIKE(3, 0);
-OAK_RETCODE format_block(OSL_MEMTAG tag, size_t length, const char *format, va_list args,
-                         char **out, const char *file, int32_t line) {
+/// Prints anew into a block of `length` + 1 bytes under the tag.
+OAK_RETCODE format_block(Formatted *out, OSL_MEMTAG tag, const char *file, int32_t line,
+                         const char *format, va_list args) OSL_PRINTF_LIKE(5, 0);
+OAK_RETCODE format_block(Formatted *out, OSL_MEMTAG tag, const char *file, int32_t line,
+                         const char *format, va_list args) {
     void *block = nullptr;
     const OAK_RETCODE status =
-        osl_getMem_rc(length + 1, tag, OSL_MEM_PLAIN, nullptr, &block, file, line);
+        osl_getMem_rc(out->length + 1, tag, OSL_MEM_PLAIN, nullptr, &block, file, line);
     if (status == sOKAY) {
-        *out = static_cast<char *>(block);
-        osl::format_text(*out, length + 1, format, args);
+        out->text = static_cast<char *>(block);
+        osl::format_text(out->text, out->length + 1, format, args);
     }
     return status;
 }
 
-/// Prints on the stack if the text is short, else under tag 1.
-OAK_RETCODE format_somewhere(Formatted *out, const char *format, va_list args)
-    OSL_PRINTF_LIKE(2, 0);
-OAK_RETCODE format_somewhere(Formatted *out, const char *format, va_list args) {
+/// Prints on the stack if the text is short, else under the tag.
+OAK_RETCODE print(Formatted *out, OSL_MEMTAG tag, const char *file, int32_t line,
+                  const char *format, va_list args) OSL_PRINTF_LIKE(5, 0);
+OAK_RETCODE print(Formatted *out, OSL_MEMTAG tag, const char *file, int32_t line,
+                  const char *format, va_list args) {
     va_list again;
     va_copy(again, args);
     const int length = osl::format_text(out->stack, kStackText, format, args);
@@ -46,13 +46,13 @@ OAK_RETCODE format_somewhere(Formatted *out, const char *format, va_list args) {
     out->text = out->stack;
     out->length = static_cast<size_t>(length);
     if (status == sOKAY && out->length >= kStackText) {
-        status = format_block(OSL_TAG_PROCESS, out->length, format, again, &out->text, __FILE__,
-                              __LINE__);
+        status = format_block(out, tag, file, line, format, again);
     }
     va_end(again);
     return status;
 }
 
+/// Releases what was printed under tag 1.
 void release(Formatted *formatted) {
     if (formatted->text != formatted->stack) {
         OSL_FREE(formatted->text, OSL_TAG_PROCESS);
@@ -66,20 +66,15 @@ OAK_RETCODE make_text(const char *file, int32_t line, OSL_MEMTAG tag, const char
     if (format == nullptr || out == nullptr) {
         return eINVNULLARG;
     }
-    char stack[kStackText];
-    va_list again;
-    va_copy(again, args);
-    const int printed = osl::format_text(stack, sizeof stack, format, args);
-    const auto length = static_cast<size_t>(printed);
-    void *block = nullptr;
-    OAK_RETCODE status = eINVARG;
-    if (printed >= 0 && length < sizeof stack) {
-        status = osl_getMem_rc(length + 1, tag, OSL_MEM_COPY, stack, &block, file, line);
-        *out = status == sOKAY ? static_cast<char *>(block) : *out;
-    } else if (printed >= 0) {
-        status = format_block(tag, length, format, again, out, file, line);
+    Formatted made;
+    OAK_RETCODE status = print(&made, tag, file, line, format, args);
+    void *block = made.text;
+    if (status == sOKAY && made.text == made.stack) {
+        status = osl_getMem_rc(made.length + 1, tag, OSL_MEM_COPY, made.stack, &block, file, line);
     }
-    va_end(again);
+    if (status == sOKAY) {
+        *out = static_cast<char *>(block);
+    }
     return status;
 }
 
@@ -96,7 +91,7 @@ OAK_RETCODE append_text(const char *file, int32_t line, OSL_MEMTAG tag, char *ol
         return eINVNULLARG;
     }
     Formatted added;
-    OAK_RETCODE status = format_somewhere(&added, format, args);
+    OAK_RETCODE status = print(&added, OSL_TAG_PROCESS, file, line, format, args);
     if (status != sOKAY) {
         return status;
     }
@@ -195,7 +190,7 @@ OAK_RETCODE osl_fnprintf(OAK_OUTPUT_FCN fcn, OAK_OUTPUT_CTX ctx, const char *for
     Formatted formatted;
     va_list args;
     va_start(args, format);
-    OAK_RETCODE status = format_somewhere(&formatted, format, args);
+    OAK_RETCODE status = print(&formatted, OSL_TAG_PROCESS, __FILE__, __LINE__, format, args);
     va_end(args);
     if (status == sOKAY) {
         status = send(fcn, ctx, formatted.text, formatted.length);
