@@ -1,0 +1,58 @@
+// Column types for the tests of the type operations: descriptors with the byte
+// length that a finalized table would give them.
+#ifndef TYPE_DESCRIPTORS_H
+#define TYPE_DESCRIPTORS_H
+
+#include "schema_internal.h"
+#include "types.h"
+
+namespace oaktest {
+
+inline _SCH_TYPE_INFO descriptor(OAK_TYPE type) {
+    _SCH_TYPE_INFO info{};
+    info.type = type;
+    info.type_info = b_typeGetInfo(type);
+    info.byte_len = static_cast<uint16_t>(b_typeGetLength(type));
+    return info;
+}
+
+/// A scalar for `elems` 0, else an array.
+inline _SCH_TYPE_INFO number_type(OAK_TYPE type, uint16_t elems = 0) {
+    _SCH_TYPE_INFO info = descriptor(type);
+    info.elems = elems;
+    info.byte_len = static_cast<uint16_t>(b_typeGetLength(type) * (elems == 0 ? 1u : elems));
+    return info;
+}
+
+inline _SCH_TYPE_INFO decimal_type(uint8_t prec, uint8_t scale) {
+    _SCH_TYPE_INFO info = descriptor(OAK_BCD);
+    info.x.d = {prec, scale};
+    return info;
+}
+
+/// `len` bytes, terminator included.
+inline _SCH_TYPE_INFO text_type(uint16_t len, OAK_TYPE type = OAK_CHAR) {
+    _SCH_TYPE_INFO info = descriptor(type);
+    info.x.c.len = len;
+    info.byte_len = len;
+    return info;
+}
+
+inline _SCH_TYPE_INFO binary_type(uint16_t len) {
+    _SCH_TYPE_INFO info = descriptor(OAK_BINARY);
+    info.x.b.len = len;
+    info.byte_len = len;
+    return info;
+}
+
+/// `len` bytes and the two of their length.
+inline _SCH_TYPE_INFO varbinary_type(uint16_t len) {
+    _SCH_TYPE_INFO info = descriptor(OAK_VARBINARY);
+    info.x.b.len = len;
+    info.byte_len = static_cast<uint16_t>(len + 2);
+    return info;
+}
+
+} // namespace oaktest
+
+#endif
