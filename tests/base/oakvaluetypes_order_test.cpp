@@ -337,6 +337,17 @@ TEST(Compare, FollowsTheCollationOfALocale) {
     osl_freelocale(locale);
 }
 
+TEST(Compare, AsksTheLocaleThatAColumnHas) {
+    const OSL_LOCALE plain = osl_createlocale(8, "C");
+    ASSERT_NE(plain, nullptr);
+    _SCH_TYPE_INFO type = text_type(100);
+    type.x.c.use_locale = OAK_TRUE;
+    type.x.c.locale = plain;
+    EXPECT_EQ(compare(type, pointed(OAK_CHAR, "Z"), pointed(OAK_CHAR, "a")), OAK_LT);
+    EXPECT_EQ(compare(type, pointed(OAK_CHAR, "a"), pointed(OAK_CHAR, "a")), OAK_EQ);
+    osl_freelocale(plain);
+}
+
 TEST(Compare, FindsTextsEqualUnderALocaleWithAnyLimit) {
     _SCH_TYPE_INFO type = text_type(100);
     type.x.c.use_locale = OAK_TRUE; // the locale is not even asked
