@@ -11,6 +11,7 @@
 
 #include <strings.h>
 
+#include "base_internal.h"
 #include "json_internal.h"
 #include "lex_internal.h"
 
@@ -46,7 +47,8 @@ bool is_inside(OAK_JSON_OBJ_C json, OAK_JSON_VALTYPE container) {
 
 // The status for a token that cannot stand where it stands.
 OAK_RETCODE refusal(OAK_JSON_OBJ_C json) {
-    return lex_refusal(json->hLex, eSYNTAX);
+    const OAK_RETCODE rc = lex_refusal(json->hLex, eSYNTAX);
+    return rc == eSYNTAX ? OAK_DAMAGED(rc) : rc;
 }
 
 // The token's text: words and strings, folded and resolved by the lexer.
@@ -206,7 +208,7 @@ OAK_RETCODE read_name(OAK_JSON_OBJ json, B_TOKEN *token, const char **name) {
 
 OAK_RETCODE next_pair(OAK_JSON_OBJ json, OAK_JSON_VALTYPE *type, OAK_JSON_PAIR *pair) {
     if (!is_inside(json, jvOBJECT)) {
-        return eSYNTAX;
+        return OAK_DAMAGED(eSYNTAX);
     }
     B_TOKEN token;
     if (b_lexGet(json->hLex, &token) == tokRBRACE) {

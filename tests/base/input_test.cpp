@@ -310,7 +310,7 @@ TEST(Input, NullArgumentsAreRefused) {
     b_inputClose(nullptr);
 }
 
-// Opens, marks, reads to the end, goes back and reads again.
+// Marks the place, reads to the end, goes back and reads again.
 OAK_RETCODE read_twice(OAK_INPUT_OBJ input, OSL_MEMTAG tag) {
     OAK_REWIND_POINT_OBJ point = nullptr;
     OAK_RETCODE rc = b_inputCreateRewindPoint(input, &point);
@@ -327,49 +327,34 @@ OAK_RETCODE read_twice(OAK_INPUT_OBJ input, OSL_MEMTAG tag) {
     return rc;
 }
 
-TEST(Input, EveryAllocationMayFail) {
-    oaktest::Tag tag;
-    TemporaryFile file(pattern(1500));
-    const auto from_memory = [&] {
+// How many failures a sweep over a life of an input injects: `create` opens it.
+template <class Create>
+uint64_t sweep_life(oaktest::Resource resource, std::initializer_list<OAK_RETCODE> expected,
+                    OSL_MEMTAG tag, Create create) {
+    return oaktest::sweep_faults(resource, expected, [&] {
         OAK_INPUT_OBJ input = nullptr;
-        OAK_RETCODE rc =
-            b_inputCreateFromMemory(&input, reinterpret_cast<const uint8_t *>("abc"), 3, tag);
-        if (rc == sOKAY) {
-            rc = read_twice(input, tag);
-            b_inputClose(input);
-        }
-        return rc;
-    };
-    const auto from_file = [&] {
-        OAK_INPUT_OBJ input = nullptr;
-        OAK_RETCODE rc = b_inputCreateFromFile(&input, file.handle(), tag);
-        if (rc == sOKAY) {
-            rc = read_twice(input, tag);
-            b_inputClose(input);
-        }
-        return rc;
-    };
-    const bool injected = oaktest::faults_are_injected();
-    EXPECT_EQ(oaktest::sweep_faults(oaktest::Resource::memory, {eNOMEMORY}, from_memory) >= 4,
-              injected);
-    EXPECT_EQ(oaktest::sweep_faults(oaktest::Resource::memory, {eNOMEMORY}, from_file) >= 4,
-              injected);
+        const OAK_RETCODE rc = create(&input);
+        EXPECT_EQ(input != nullptr, rc == sOKAY);
+        const OAK_RETCODE read = rc == sOKAY ? read_twice(input, tag) : rc;
+        b_inputClose(input);
+        return read;
+    });
 }
 
-TEST(Input, EveryFileOperationMayFail) {
+TEST(Input, EveryAllocationAndEveryFileOperationMayFail) {
     oaktest::Tag tag;
     TemporaryFile file(pattern(2500));
-    const uint64_t failures =
-        oaktest::sweep_faults(oaktest::Resource::file, {eBADREAD, eFILEIO}, [&] {
-            OAK_INPUT_OBJ input = nullptr;
-            OAK_RETCODE rc = b_inputCreateFromFile(&input, file.handle(), tag);
-            if (rc == sOKAY) {
-                rc = read_twice(input, tag);
-                b_inputClose(input);
-            }
-            return rc;
-        });
-    EXPECT_EQ(failures >= 12, oaktest::faults_are_injected()) << "three blocks, twice, both ways";
+    const auto from_memory = [&](OAK_INPUT_OBJ *input) {
+        return b_inputCreateFromMemory(input, reinterpret_cast<const uint8_t *>("abc"), 3, tag);
+    };
+    const auto from_file = [&](OAK_INPUT_OBJ *input) {
+        return b_inputCreateFromFile(input, file.handle(), tag);
+    };
+    const uint64_t one = oaktest::faults_are_injected() ? 1 : 0;
+    EXPECT_EQ(sweep_life(oaktest::Resource::memory, {eNOMEMORY}, tag, from_memory), 4 * one);
+    EXPECT_EQ(sweep_life(oaktest::Resource::memory, {eNOMEMORY}, tag, from_file), 4 * one);
+    EXPECT_GE(sweep_life(oaktest::Resource::file, {eBADREAD, eFILEIO}, tag, from_file), 12 * one)
+        << "a seek and three blocks, read twice, each failing in two ways";
 }
 
 // ---- The window ------------------------------------------------------------
