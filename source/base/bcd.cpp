@@ -10,35 +10,37 @@
 // digits; in the nearest modes the rounding to 32 brings it back.
 //
 // How they are computed. A record holds a digit a byte, so eight digits are one
-// 64-bit word, and the two inner loops never look at a single digit:
+// 64-bit word (bcd_words.h), and the inner loops never look at a single digit:
 //
-//   sums      the operands are laid into two rows, aligned at the point, and
-//             added eight digits at a time: 0xF6 is put under each digit, so
-//             that a decimal carry becomes a binary one (add_words).
-//   products  each word becomes a number below 10^8, a limb; limbs are
-//             multiplied column by column and turned back into digits
-//             (multiply_limbs). The reciprocal stays in limbs from its seed to
-//             its last step (FIXED).
+//   sums         the operands are laid into two rows of words, aligned at the
+//                point, and added or subtracted eight digits at a time
+//   products     each word becomes a number below 10^8, a limb; limbs are
+//                multiplied column by column and turned back into words
+//   reciprocals  run from the seed to the last step in binary integers that
+//                count units of 10^-40 (bcd_fixed.h)
 //
-// Both give digit for digit what paper and pencil give, since a limb is only
-// eight digits written at once, cuts fall on the same places, and no step is
-// approximate. They need digits from 0 to 9. A record may hold others: oak_bcdRound
-// leaves a digit 10, and a damaged record anything. Those take the same rows a
-// digit at a time (add_each_digit, subtract_each_digit, multiply_each_digit),
-// where a digit too large gives its surplus to the next place, and where a
-// subtraction drops it.
+// All three give digit for digit what paper and pencil give: cuts fall on the same
+// places, and no step is approximate. They need digits from 0 to 9. A record may
+// hold others: oak_bcdRound leaves a digit 10, and a damaged record anything. Sums
+// and products of those go a digit at a time (add_each_digit and its kin), where a
+// digit too large gives its surplus to the next place, and where a subtraction
+// drops it; reciprocals first carry the digits of a copy.
 //
-// What it costs. Nothing is allocated; a few records and two rows lie on the
-// stack. A sum takes five words for 32 digits, a product at most 25
-// multiplications of limbs, a reciprocal five to seven steps of two products.
+// What it costs. Nothing is allocated; a few records and two rows lie on the stack.
+// A sum takes four words a row for 32 digits, a product 16 multiplications of limbs,
+// a reciprocal five to seven steps of two products.
 //
-// The layers from below: words and limbs; records; trimming and rounding;
-// operations on work values; operations on public decimals; forms with a native
-// operand.
+// The layers from below: operands as words; rows; products; the reciprocal; records;
+// trimming and rounding; integers; operations on work values; operations on public
+// decimals, with their forms for native operands.
+#include "bcd_fixed.h"
 #include "bcd_internal.h"
+#include "bcd_words.h"
 
 #include <algorithm>
 #include <array>
+
+using namespace bcd_words;
 
 namespace {
 
@@ -83,56 +85,60 @@ static_assert(seed_is(0, 6, 9523810));  // 100 / 10.5
 static_assert(seed_is(2, 1, 8000000));  // 100 / 12.5
 static_assert(seed_is(89, 7, 1005025)); // 100 / 99.5
 
-// ---- Words of eight digits ---------------------------------------------------
+// ---- Operands as words -----------------------------------------------------------
 
-constexpr uint64_t HIGH_BITS = 0x8080808080808080;
-constexpr uint64_t CARRY_FILL = 0xF6F6F6F6F6F6F6F6; // 256 - 10 under each digit
+constexpr int WORK_WORDS = BCD_WORK_DIGITS / WORD_DIGITS;
+static_assert(OAK_BCD_MAX_DIGITS % WORD_DIGITS == 0 && BCD_WORK_DIGITS % WORD_DIGITS == 0);
 
-/// Not zero if some byte is above 9.
-uint64_t odd_digits(uint64_t word) {
-    return ((word + 0x7676767676767676) | word) & HIGH_BITS;
+/// Writes the digits from data[1] on as words, zeros behind `prec` in the last one,
+/// and ors what odd digits they have into `odd`. Returns the count of words. A record
+/// has room for whole words, so the loads stay within it.
+int load_words(const BCD_OPERAND &operand, uint64_t *words, uint64_t *odd) {
+    const uint8_t *digits = operand.data + 1;
+    const int whole = operand.prec / WORD_DIGITS;
+    for (int i = 0; i < whole; ++i, digits += WORD_DIGITS) {
+        words[i] = load_word(digits);
+        *odd |= odd_digits(words[i]);
+    }
+    const int rest = operand.prec % WORD_DIGITS;
+    if (rest == 0)
+        return whole;
+    words[whole] = first_digits(load_word(digits), rest);
+    *odd |= odd_digits(words[whole]);
+    return whole + 1;
 }
 
-/// Adds words of proper digits; `carry` is 0 or 1, in and out. Over the filling a
-/// digit sum of 10 and more leaves its byte as a carry and what stays is right;
-/// bytes that did not overflow still hold the filling and have their high bit set.
-uint64_t add_digit_words(uint64_t a, uint64_t b, uint64_t *carry) {
-    uint64_t sum;
-    const bool first = __builtin_add_overflow(a + CARRY_FILL, b, &sum);
-    const bool second = __builtin_add_overflow(sum, *carry, &sum);
-    *carry = first || second;
-    return sum - ((sum & HIGH_BITS) >> 7) * 0xF6;
+bool has_first_digit(const BCD_OPERAND &operand) {
+    return operand.prec > 0 && operand.data[0] == 0 && operand.data[1] != 0;
 }
 
-/// Subtracts; a byte that borrowed is 246 too high and has its high bit set.
-uint64_t subtract_digit_words(uint64_t a, uint64_t b, uint64_t *borrow) {
-    uint64_t difference;
-    const bool first = __builtin_sub_overflow(a, b, &difference);
-    const bool second = __builtin_sub_overflow(difference, *borrow, &difference);
-    *borrow = first || second;
-    return difference - ((difference & HIGH_BITS) >> 7) * 0xF6;
-}
-
-int leading_zero_digits(uint64_t word) {
-    return std::countl_zero(word) / 8;
-}
-int trailing_zero_digits(uint64_t word) {
-    return std::countr_zero(word) / 8;
+/// Whether an operand is normalized and has digits from 0 to 9 alone.
+bool is_clean(const BCD_OPERAND &operand) {
+    uint64_t words[WORK_WORDS];
+    uint64_t odd = 0;
+    load_words(operand, words, &odd);
+    return odd == 0 && has_first_digit(operand);
 }
 
 // ---- Order -------------------------------------------------------------------
 
-/// Two operands of one exponent: their digits as they lie, then what is longer.
-int compare_aligned(const BCD_OPERAND &l, const BCD_OPERAND &r) {
-    const int common = std::min(l.prec, r.prec);
-    if (const int order = memcmp(l.data, r.data, static_cast<size_t>(common) + 1); order != 0)
-        return order < 0 ? -1 : 1;
-    const BCD_OPERAND &longer = l.prec > r.prec ? l : r;
-    const uint8_t *tail = longer.data + common + 1;
-    const uint8_t *end = longer.data + longer.prec + 1;
-    if (std::all_of(tail, end, [](uint8_t digit) { return digit == 0; }))
-        return 0;
-    return l.prec > r.prec ? 1 : -1;
+/// Two operands of one exponent without a carry.
+int compare_words(const BCD_OPERAND &l, const BCD_OPERAND &r) {
+    if (l.prec >= WORD_DIGITS && r.prec >= WORD_DIGITS) { // which nearly always decides
+        const uint64_t left = load_word(l.data + 1);
+        const uint64_t right = load_word(r.data + 1);
+        if (left != right)
+            return left < right ? -1 : 1;
+    }
+    uint64_t left[WORK_WORDS] = {};
+    uint64_t right[WORK_WORDS] = {};
+    uint64_t odd = 0; // digits above 9 order as digits
+    load_words(l, left, &odd);
+    load_words(r, right, &odd);
+    for (int i = 0; i < WORK_WORDS; ++i)
+        if (left[i] != right[i])
+            return left[i] < right[i] ? -1 : 1;
+    return 0;
 }
 
 /// The digit at an index of an operand, 0 outside of it.
@@ -154,172 +160,149 @@ int compare_places(const BCD_OPERAND &l, const BCD_OPERAND &r) {
     return 0;
 }
 
-bool has_first_digit(const BCD_OPERAND &operand) {
-    return operand.prec > 0 && operand.data[0] == 0 && operand.data[1] != 0;
-}
-
 // ---- Two operands aligned at the point ----------------------------------------
 
-/// The rows have the layout of DWORK_BCD: position i of 0 to `prec` is byte
-/// CARRY + i, and `words` words hold them all.
-class ALIGNED_ROWS {
-  public:
-    ALIGNED_ROWS(const BCD_OPERAND &l, const BCD_OPERAND &r)
-        : exp(std::max(l.exp, r.exp)), prec(exp + std::max(l.prec - l.exp, r.prec - r.exp)),
-          words((DWORK_BCD::CARRY + prec) / WORD_DIGITS + 1), left(first_), right(second_) {
-        place(l, first_);
-        place(r, second_);
-    }
-    ALIGNED_ROWS(const ALIGNED_ROWS &) = delete;
-    ALIGNED_ROWS &operator=(const ALIGNED_ROWS &) = delete;
+/// How two operands lie under each other: digit i of one stands at place
+/// i + (exp - operand.exp) of 0 to `prec`.
+struct ALIGNMENT {
+    int exp;
+    int prec;
 
-    uint64_t left_word(int i) const { return load_digit_word(left + i * WORD_DIGITS); }
-    uint64_t right_word(int i) const { return load_digit_word(right + i * WORD_DIGITS); }
-
-    /// Digits 0 to 9 everywhere and nothing in the carry slots.
-    bool are_proper() const {
-        uint64_t odd = left_word(0) | right_word(0);
-        for (int i = 1; i < words; ++i)
-            odd |= odd_digits(left_word(i)) | odd_digits(right_word(i));
-        return odd == 0;
-    }
-
-    int compare() const {
-        for (int i = 0; i < words; ++i)
-            if (const uint64_t l = left_word(i), r = right_word(i); l != r)
-                return l < r ? -1 : 1;
-        return 0;
-    }
-
-    void swap() { std::swap(left, right); }
-
-    const int exp;
-    const int prec;
-    const int words;
-    const uint8_t *left;
-    const uint8_t *right;
-
-  private:
-    void place(const BCD_OPERAND &operand, uint8_t *row) const {
-        memset(row, 0, static_cast<size_t>(words) * WORD_DIGITS);
-        memcpy(row + DWORK_BCD::CARRY + (exp - operand.exp), operand.data,
-               static_cast<size_t>(operand.prec) + 1);
-    }
-
-    alignas(8) uint8_t first_[DWORK_BCD::SIZE];
-    alignas(8) uint8_t second_[DWORK_BCD::SIZE];
+    ALIGNMENT(const BCD_OPERAND &l, const BCD_OPERAND &r)
+        : exp(std::max(l.exp, r.exp)), prec(exp + std::max(l.prec - l.exp, r.prec - r.exp)) {}
 };
+
+constexpr int ROW_DIGITS = DWORK_BCD::DIGIT_WORDS * WORD_DIGITS;
 
 // 127 is the largest exponent; 40 digits and the exponent -128 end 168 places
 // behind the point.
-static_assert(DWORK_BCD::CARRY + 127 + 168 < DWORK_BCD::SIZE);
-static_assert(DWORK_BCD::SIZE % WORD_DIGITS == 0 && (DWORK_BCD::CARRY + 1) % WORD_DIGITS == 0);
+static_assert(127 + 168 <= ROW_DIGITS);
 
-void add_words(const ALIGNED_ROWS &rows, DWORK_BCD *sum) {
+void end_words(DWORK_BCD *raw, int words) {
+    std::fill_n(raw->words + words, DWORK_BCD::ZERO_WORDS, 0);
+}
+
+void prepare_raw(const ALIGNMENT &alignment, uint8_t flags, int8_t sign, DWORK_BCD *raw) {
+    raw->prec = alignment.prec;
+    raw->exp = alignment.exp;
+    raw->flags = flags;
+    raw->sign = sign;
+}
+
+/// Rows of words, place 1 first. They serve operands of proper digits with nothing
+/// in the carry slot; others make them improper.
+class WORD_ROWS {
+  public:
+    const ALIGNMENT alignment;
+    const int words;
+    uint64_t left[DWORK_BCD::DIGIT_WORDS];
+    uint64_t right[DWORK_BCD::DIGIT_WORDS];
+
+    WORD_ROWS(const BCD_OPERAND &l, const BCD_OPERAND &r)
+        : alignment(l, r), words(words_for(alignment.prec)) {
+        place(l, left);
+        place(r, right);
+    }
+
+    bool are_proper() const { return odd_ == 0; }
+
+    int compare() const {
+        for (int i = 0; i < words; ++i)
+            if (left[i] != right[i])
+                return left[i] < right[i] ? -1 : 1;
+        return 0;
+    }
+
+  private:
+    void place(const BCD_OPERAND &operand, uint64_t *row) {
+        odd_ |= operand.data[0];
+        const int used = load_words(operand, row, &odd_);
+        for (int i = used; i < words; ++i)
+            row[i] = 0;
+        if (const int offset = alignment.exp - operand.exp; offset != 0)
+            move_back(row, words, offset);
+    }
+
+    uint64_t odd_ = 0;
+};
+
+void add_rows(const WORD_ROWS &rows, DWORK_BCD *sum) {
     uint64_t carry = 0;
     for (int i = rows.words - 1; i >= 0; --i)
-        store_digit_word(sum->digits + i * WORD_DIGITS,
-                         add_digit_words(rows.left_word(i), rows.right_word(i), &carry));
+        sum->words[i] = add_words(rows.left[i], rows.right[i], &carry);
+    sum->carry = static_cast<uint8_t>(carry);
+    end_words(sum, rows.words);
 }
 
-/// The left row must not be below the right one.
-void subtract_words(const ALIGNED_ROWS &rows, DWORK_BCD *difference) {
+/// Subtracts the smaller row from the larger.
+void subtract_rows(const WORD_ROWS &rows, bool from_right, DWORK_BCD *difference) {
+    const uint64_t *larger = from_right ? rows.right : rows.left;
+    const uint64_t *smaller = from_right ? rows.left : rows.right;
     uint64_t borrow = 0;
     for (int i = rows.words - 1; i >= 0; --i)
-        store_digit_word(difference->digits + i * WORD_DIGITS,
-                         subtract_digit_words(rows.left_word(i), rows.right_word(i), &borrow));
+        difference->words[i] = subtract_words(larger[i], smaller[i], &borrow);
+    difference->carry = 0;
+    end_words(difference, rows.words);
 }
 
-/// For rows with digits above 9: a sum gives its tenth to the place before it.
-void add_each_digit(const ALIGNED_ROWS &rows, DWORK_BCD *sum) {
-    memset(sum->digits, 0, static_cast<size_t>(rows.words) * WORD_DIGITS);
-    int carry = 0;
-    for (int i = DWORK_BCD::CARRY + rows.prec; i > DWORK_BCD::CARRY; --i) {
-        const int total = rows.left[i] + rows.right[i] + carry;
-        sum->digits[i] = static_cast<uint8_t>(total % 10);
-        carry = total / 10;
+// ---- The same a digit at a time --------------------------------------------------
+
+/// Rows of digits, place 0 first, for all other operands.
+struct DIGIT_ROWS {
+    const int prec;
+    uint8_t left[ROW_DIGITS + 1] = {};
+    uint8_t right[ROW_DIGITS + 1] = {};
+
+    DIGIT_ROWS(const BCD_OPERAND &l, const BCD_OPERAND &r) : prec(ALIGNMENT(l, r).prec) {
+        place(l, ALIGNMENT(l, r).exp - l.exp, left);
+        place(r, ALIGNMENT(l, r).exp - r.exp, right);
     }
-    sum->data()[0] =
-        static_cast<uint8_t>(rows.left[DWORK_BCD::CARRY] + rows.right[DWORK_BCD::CARRY] + carry);
-}
 
-/// The same for differences. A place lends one and never more, and a difference
-/// of 10 and more keeps its last digit alone.
-void subtract_each_digit(const ALIGNED_ROWS &rows, DWORK_BCD *difference) {
-    memset(difference->digits, 0, static_cast<size_t>(rows.words) * WORD_DIGITS);
-    int borrow = 0;
-    for (int i = DWORK_BCD::CARRY + rows.prec; i >= DWORK_BCD::CARRY; --i) {
-        const int raised = rows.left[i] + 10 - rows.right[i] + borrow;
-        difference->digits[i] = static_cast<uint8_t>((raised + 1000) % 10);
-        borrow = raised < 10 ? -1 : 0;
-    }
-}
-
-// ---- Limbs -----------------------------------------------------------------------
-
-constexpr uint64_t LIMB_BASE = 100000000;
-constexpr int WORK_LIMBS = BCD_WORK_DIGITS / WORD_DIGITS;
-constexpr int PRODUCT_LIMBS = 2 * WORK_LIMBS;
-
-/// Eight digits as a number; digit_word_of turns it back.
-uint64_t limb_of(uint64_t word) {
-    const uint64_t pairs = ((word >> 8) & 0x00FF00FF00FF00FF) * 10 + (word & 0x00FF00FF00FF00FF);
-    const uint64_t fours =
-        ((pairs >> 16) & 0x0000FFFF0000FFFF) * 100 + (pairs & 0x0000FFFF0000FFFF);
-    return (fours >> 32) * 10000 + (fours & 0xFFFFFFFF);
-}
-
-/// The digits of an operand from data[1], eight a limb, zero-filled at the end.
-struct LIMBS {
-    uint64_t limb[WORK_LIMBS];
-    int count;
-    bool proper;
-
-    explicit LIMBS(const BCD_OPERAND &operand)
-        : count((operand.prec + WORD_DIGITS - 1) / WORD_DIGITS) {
-        uint64_t odd = 0;
-        for (int i = 0; i < count; ++i) {
-            // The record has room for whole words, so this stays within it.
-            uint64_t word = load_digit_word(operand.data + 1 + i * WORD_DIGITS);
-            const int used = operand.prec - i * WORD_DIGITS;
-            if (used < WORD_DIGITS)
-                word &= ~uint64_t{0} << (8 * (WORD_DIGITS - used));
-            odd |= odd_digits(word);
-            limb[i] = limb_of(word);
-        }
-        proper = odd == 0;
+  private:
+    static void place(const BCD_OPERAND &operand, int offset, uint8_t *row) {
+        memcpy(row + offset, operand.data, static_cast<size_t>(operand.prec) + 1);
     }
 };
 
-static_assert(OAK_BCD_MAX_DIGITS % WORD_DIGITS == 0 && BCD_WORK_DIGITS % WORD_DIGITS == 0);
+/// Digits from place 0 on, in a row that is zero behind them, as raw words.
+void take_digits(const uint8_t *digits, DWORK_BCD *raw) {
+    const int words = words_for(raw->prec);
+    raw->carry = digits[0];
+    for (int i = 0; i < words; ++i)
+        raw->words[i] = load_word(digits + 1 + i * WORD_DIGITS);
+    end_words(raw, words);
+}
 
-/// The digits of l times those of r. A column is a sum of at most five products
-/// below 10^16 and a carry, which 64 bits hold.
-void multiply_limbs(const LIMBS &l, const LIMBS &r, DWORK_BCD *product) {
-    uint64_t column[PRODUCT_LIMBS] = {};
-    for (int i = 0; i < l.count; ++i)
-        for (int j = 0; j < r.count; ++j)
-            column[i + j + 1] += l.limb[i] * r.limb[j];
-    uint64_t carry = 0;
-    uint8_t *digits = product->digits + WORD_DIGITS;
-    for (int i = l.count + r.count - 1; i >= 0; --i) {
-        const uint64_t total = column[i] + carry;
-        carry = total / LIMB_BASE;
-        store_digit_word(digits + i * WORD_DIGITS,
-                         digit_word_of(static_cast<uint32_t>(total % LIMB_BASE)));
+/// A sum gives its tenth to the place before it.
+void add_each_digit(const DIGIT_ROWS &rows, DWORK_BCD *sum) {
+    uint8_t digits[ROW_DIGITS + 1] = {};
+    int carry = 0;
+    for (int i = rows.prec; i >= 1; --i) {
+        const int total = rows.left[i] + rows.right[i] + carry;
+        digits[i] = static_cast<uint8_t>(total % 10);
+        carry = total / 10;
     }
-    memset(product->digits, 0, WORD_DIGITS);
+    digits[0] = static_cast<uint8_t>(rows.left[0] + rows.right[0] + carry);
+    take_digits(digits, sum);
 }
 
-/// Whether an operand is normalized and has digits from 0 to 9 alone.
-bool is_clean(const BCD_OPERAND &operand) {
-    return has_first_digit(operand) && LIMBS(operand).proper;
+/// A place borrows one and never more, and a difference of 10 and more keeps its
+/// last digit alone.
+void subtract_each_digit(const DIGIT_ROWS &rows, DWORK_BCD *difference) {
+    constexpr int MANY_TENS = 1000; // so that no remainder is negative
+    uint8_t digits[ROW_DIGITS + 1] = {};
+    int borrow = 0;
+    for (int i = rows.prec; i >= 0; --i) {
+        const int raised = rows.left[i] + 10 - rows.right[i] + borrow;
+        digits[i] = static_cast<uint8_t>((raised + MANY_TENS) % 10);
+        borrow = raised < 10 ? -1 : 0;
+    }
+    take_digits(digits, difference);
 }
 
-/// For digits above 9: rows of the schoolbook, a carry at a time.
+/// Rows of the schoolbook. The last carry of a row is not carried on.
 void multiply_each_digit(const BCD_OPERAND &l, const BCD_OPERAND &r, DWORK_BCD *product) {
-    memset(product->digits, 0, (PRODUCT_LIMBS + 1) * WORD_DIGITS);
-    uint8_t *work = product->data();
+    uint8_t work[2 * BCD_WORK_DIGITS + 1] = {};
     for (int i = l.prec; i >= 1; --i) {
         if (l.data[i] == 0)
             continue;
@@ -331,106 +314,74 @@ void multiply_each_digit(const BCD_OPERAND &l, const BCD_OPERAND &r, DWORK_BCD *
         }
         work[i] = static_cast<uint8_t>(carry);
     }
+    take_digits(work, product);
 }
 
-// ---- Fixed-point numbers of the reciprocal -----------------------------------------
+// ---- Products of limbs -------------------------------------------------------------
 
-/// A number from 0 to 99999999 with 40 places: limb[0] before the point, five
-/// limbs behind it.
-struct FIXED {
-    static constexpr int LIMBS_USED = 1 + WORK_LIMBS;
-    uint64_t limb[LIMBS_USED] = {};
+/// The digits of an operand from data[1] on as limbs, zero-filled at the end.
+struct LIMBS {
+    uint64_t limb[WORK_WORDS];
+    int count;
+    bool proper;
 
-    bool operator==(const FIXED &) const = default;
-    bool is_one() const { return *this == FIXED{{1}}; }
+    explicit LIMBS(const BCD_OPERAND &operand) {
+        uint64_t odd = 0;
+        count = load_words(operand, limb, &odd);
+        proper = odd == 0;
+        for (int i = 0; i < count; ++i)
+            limb[i] = limb_of(limb[i]);
+    }
 };
 
-/// a * b, cut to 40 places.
-FIXED multiply(const FIXED &a, const FIXED &b) {
-    constexpr int LAST = FIXED::LIMBS_USED - 1;
-    uint64_t column[2 * LAST + 1] = {};
-    int first = 0;
-    int last = LAST;
-    while (first < LAST && b.limb[first] == 0)
-        ++first;
-    while (last > first && b.limb[last] == 0)
-        --last;
-    for (int i = 0; i <= LAST; ++i)
-        if (a.limb[i] != 0)
-            for (int j = first; j <= last; ++j)
-                column[i + j] += a.limb[i] * b.limb[j];
-    FIXED product;
+/// The digits of l times those of r. A column is a sum of at most five products
+/// below 10^16 and a carry, which 64 bits hold.
+void multiply_limbs(const LIMBS &l, const LIMBS &r, DWORK_BCD *product) {
+    uint64_t column[2 * WORK_WORDS] = {};
+    for (int i = 0; i < l.count; ++i)
+        for (int j = 0; j < r.count; ++j)
+            column[i + j + 1] += l.limb[i] * r.limb[j];
+    const int words = l.count + r.count;
     uint64_t carry = 0;
-    for (int i = 2 * LAST; i >= 0; --i) {
+    for (int i = words - 1; i >= 0; --i) {
         const uint64_t total = column[i] + carry;
         carry = total / LIMB_BASE;
-        if (i <= LAST)
-            product.limb[i] = total % LIMB_BASE;
+        product->words[i] = word_of(total % LIMB_BASE);
     }
-    return product;
+    product->carry = 0;
+    end_words(product, words);
 }
 
-FIXED add(const FIXED &a, const FIXED &b) {
-    FIXED sum;
-    uint64_t carry = 0;
-    for (int i = FIXED::LIMBS_USED - 1; i >= 0; --i) {
-        const uint64_t total = a.limb[i] + b.limb[i] + carry;
-        carry = total >= LIMB_BASE;
-        sum.limb[i] = total - carry * LIMB_BASE;
-    }
-    return sum;
-}
+// ---- The reciprocal ------------------------------------------------------------------
 
-/// a - b for b not above a.
-FIXED subtract(const FIXED &a, const FIXED &b) {
-    FIXED difference;
-    uint64_t borrow = 0;
-    for (int i = FIXED::LIMBS_USED - 1; i >= 0; --i) {
-        const uint64_t subtrahend = b.limb[i] + borrow;
-        borrow = a.limb[i] < subtrahend;
-        difference.limb[i] = a.limb[i] + borrow * LIMB_BASE - subtrahend;
-    }
-    return difference;
-}
-
-/// Cuts to 40 digits: one place goes for each digit before the point.
-FIXED cut_to_work_digits(FIXED number) {
-    uint64_t &last = number.limb[FIXED::LIMBS_USED - 1];
-    if (number.limb[0] >= 10)
-        last -= last % 100;
-    else if (number.limb[0] >= 1)
-        last -= last % 10;
-    return number;
-}
-
-/// The digits as a fraction: 0.d1d2...d40.
-FIXED fixed_of(const WORK_BCD &work) {
-    const LIMBS limbs(&work);
-    FIXED number;
-    std::copy(limbs.limb, limbs.limb + limbs.count, number.limb + 1);
-    return number;
-}
+using bcd_fixed::FIXED;
 
 /// The seed for the first two digits of a divisor.
 FIXED seed_for(const WORK_BCD &divisor) {
     const X0_LOOKUP &row =
         x0_start[static_cast<size_t>(divisor.data[1] * 10 + divisor.data[2] - SEED_FIRST)];
-    FIXED seed;
-    seed.limb[0] = row.data[0];
-    for (int i = 1; i < SEED_DIGITS; ++i)
-        seed.limb[1] = seed.limb[1] * 10 + row.data[i];
-    seed.limb[1] *= 100; // six places in a limb of eight
-    return seed;
+    uint64_t tenth[WORK_WORDS] = {};
+    for (int i = 0; i < SEED_DIGITS; ++i)
+        tenth[0] = tenth[0] * 10 + row.data[i];
+    tenth[0] *= 10; // seven digits in a limb of eight
+    return bcd_fixed::ten_times(bcd_fixed::fraction_of(tenth));
 }
 
-/// A FIXED as raw digits, its point behind the eighth.
-void raw_digits_of(const FIXED &number, DWORK_BCD *raw) {
-    raw->prec = FIXED::LIMBS_USED * WORD_DIGITS;
+FIXED fraction_of(const WORK_BCD &work) {
+    LIMBS limbs(&work);
+    std::fill(limbs.limb + limbs.count, std::end(limbs.limb), 0);
+    return bcd_fixed::fraction_of(limbs.limb);
+}
+
+/// A FIXED as raw digits, its point behind the first eight.
+void take_fixed(const FIXED &number, DWORK_BCD *raw) {
+    raw->prec = bcd_fixed::FIXED_LIMBS * WORD_DIGITS;
     raw->exp = WORD_DIGITS;
-    memset(raw->digits, 0, WORD_DIGITS);
-    for (int i = 0; i < FIXED::LIMBS_USED; ++i)
-        store_digit_word(raw->digits + (i + 1) * WORD_DIGITS,
-                         digit_word_of(static_cast<uint32_t>(number.limb[i])));
+    raw->carry = 0;
+    bcd_fixed::limbs_of(number, raw->words);
+    for (int i = 0; i < bcd_fixed::FIXED_LIMBS; ++i)
+        raw->words[i] = word_of(raw->words[i]);
+    end_words(raw, bcd_fixed::FIXED_LIMBS);
 }
 
 /// 1 / a for a in [0.1, 1) by Newton's x + x * (1 - x * a), each intermediate cut
@@ -444,21 +395,21 @@ void raw_digits_of(const FIXED &number, DWORK_BCD *raw) {
 /// in 20 and each step squares the error, which is below 10^-40 after six; the
 /// bound on the loop is for what no proof foresees.
 FIXED newton_reciprocal(const WORK_BCD &divisor, uint8_t *flags) {
+    using namespace bcd_fixed;
     constexpr int STEPS_MAX = 64;
-    const FIXED a = fixed_of(divisor);
-    const FIXED one{{1}};
+    const FIXED a = ::fraction_of(divisor);
     FIXED sum = seed_for(divisor);
     FIXED x = sum;
     *flags = 0;
     for (int step = 0; step < STEPS_MAX && (*flags & ~BCD_FLAG_PRECISION) == 0; ++step) {
-        const FIXED product = cut_to_work_digits(multiply(x, a));
-        if (product == one)
+        const FIXED product = cut_to_40_digits(multiply(x, a));
+        if (product == ONE)
             break;
-        const bool too_large = product.limb[0] != 0;
-        const FIXED error = too_large ? subtract(product, one) : subtract(one, product);
+        const bool too_large = is_below(ONE, product);
+        const FIXED error = too_large ? subtract(product, ONE) : subtract(ONE, product);
         const FIXED change = multiply(x, error);
         const FIXED next_sum = too_large ? subtract(x, change) : add(x, change);
-        const FIXED next = cut_to_work_digits(next_sum);
+        const FIXED next = cut_to_40_digits(next_sum);
         if (next == x)
             break;
         sum = next_sum;
@@ -520,6 +471,51 @@ BCD_OPERAND bounded_operand(const OAK_BCD_T *bcd) {
 /// The shape in which +0 and -0 are one value.
 bool is_zero_shape(const OAK_BCD_T &bcd) {
     return bcd.prec == 0 && bcd.exp == 0 && bcd.data[0] == 0;
+}
+
+// ---- Trimming -----------------------------------------------------------------------
+
+/// The first and the last digit that is not 0, from 0 for the carry to `prec`; for a
+/// zero the first is behind the last.
+struct RAW_SPAN {
+    int first;
+    int last;
+};
+
+RAW_SPAN find_span(const DWORK_BCD &work) {
+    int end = words_for(work.prec);
+    while (end > 0 && work.words[end - 1] == 0)
+        --end;
+    if (end == 0)
+        return work.carry != 0 ? RAW_SPAN{0, 0} : RAW_SPAN{1, 0};
+    const int last = end * WORD_DIGITS - trailing_zero_digits(work.words[end - 1]);
+    if (work.carry != 0)
+        return {0, last};
+    int begin = 0;
+    while (work.words[begin] == 0)
+        ++begin;
+    return {begin * WORD_DIGITS + 1 + leading_zero_digits(work.words[begin]), last};
+}
+
+/// Fills data[] of a work value with the digits from `first` on, 40 of them.
+void copy_raw_digits(const DWORK_BCD &work, int first, WORK_BCD *res) {
+    const int skipped = first - 1; // -1 where the carry becomes the first digit
+    const int from = skipped & (WORD_DIGITS - 1);
+    const uint64_t *next = work.words + (skipped - from) / WORD_DIGITS;
+    uint64_t word = skipped < 0 ? work.carry : *next;
+    res->data[0] = 0;
+    for (int i = 1; i <= BCD_WORK_DIGITS; i += WORD_DIGITS) {
+        ++next;
+        store_word(res->data + i, digits_across(word, *next, from));
+        word = *next;
+    }
+}
+
+/// Whether nothing needs stripping or shifting.
+bool is_trimmed(const WORK_BCD &work) {
+    if (work.prec == 0 || work.data[0] != 0 || work.data[1] == 0)
+        return false;
+    return work.prec == work.exp || (work.prec > work.exp && work.data[work.prec] != 0);
 }
 
 // ---- Rounding ----------------------------------------------------------------------
@@ -725,6 +721,8 @@ constinit const WORK_BCD c_2pi = work_constant("62831853071795864769252867665590
 // ---- Conditions and results ----------------------------------------------------------
 
 OAK_RETCODE bcd_retcode(uint8_t flags) {
+    if (flags == 0)
+        return sOKAY;
     if ((flags & BCD_FLAG_NOMEM) != 0)
         return eNOMEMORY;
     if ((flags & BCD_FLAG_DIVBY0) != 0)
@@ -763,35 +761,31 @@ void work_set_zero(WORK_BCD *work, int flags) {
 }
 
 void normalize_res(const DWORK_BCD *work, WORK_BCD *res) {
+    const RAW_SPAN span = find_span(*work);
     const uint8_t flags = work->flags;
-    const int words = (DWORK_BCD::CARRY + work->prec) / WORD_DIGITS + 1;
-    int first_word = 0;
-    uint64_t word = load_digit_word(work->digits);
-    while (word == 0 && ++first_word < words)
-        word = load_digit_word(work->digits + first_word * WORD_DIGITS);
-    if (word == 0)
+    if (span.first > span.last)
         return work_set_zero(res, flags);
-    const int lead = first_word * WORD_DIGITS + leading_zero_digits(word) - DWORK_BCD::CARRY;
-    int last_word = words - 1;
-    while ((word = load_digit_word(work->digits + last_word * WORD_DIGITS)) == 0)
-        --last_word;
-    const int last =
-        last_word * WORD_DIGITS + WORD_DIGITS - 1 - trailing_zero_digits(word) - DWORK_BCD::CARRY;
-
-    const int stripped = work->prec > work->exp ? std::max(last, work->exp) : work->prec;
-    const int exp = work->exp + 1 - lead;
-    int count = std::min(stripped + 1 - lead, BCD_WORK_DIGITS);
+    const int stripped = work->prec > work->exp ? std::max(span.last, work->exp) : work->prec;
+    const int exp = work->exp + 1 - span.first;
+    int count = std::min(stripped + 1 - span.first, BCD_WORK_DIGITS);
     if (count - exp > BCD_WORK_DIGITS)
         count = std::max(exp + BCD_WORK_DIGITS, 0);
     if (exp > count)
         return work_set_zero(res, flags | BCD_FLAG_OVERFLOW);
     if (count == 0)
         return work_set_zero(res, flags);
-    *res = WORK_BCD{static_cast<uint8_t>(count), static_cast<int8_t>(exp), flags, work->sign, {}};
-    memcpy(res->data + 1, work->data() + lead, static_cast<size_t>(count));
+    res->prec = static_cast<uint8_t>(count);
+    res->exp = static_cast<int8_t>(exp);
+    res->flags = flags;
+    res->sign = work->sign;
+    copy_raw_digits(*work, span.first, res);
+    if (count <= span.last - span.first) // digits were cut
+        memset(res->data + 1 + count, 0, static_cast<size_t>(BCD_WORK_DIGITS - count));
 }
 
 void normalize_work(WORK_BCD *res) {
+    if (is_trimmed(*res))
+        return;
     int prec = res->prec;
     while (prec > 0 && prec > res->exp && res->data[prec] == 0)
         --prec;
@@ -818,9 +812,13 @@ OAK_RETCODE assign_result(WORK_BCD *work, OAK_BCD_ROUNDING_MODE mode, OAK_BCD_T 
         round_to_public(work, mode);
     if ((work->flags & BCD_FLAG_NOMEM) != 0)
         return eNOMEMORY;
-    const int prec = std::min<int>(work->prec, BCD_DIGITS);
-    *result = OAK_BCD_T{static_cast<uint8_t>(prec), work->exp, work->flags, work->sign, {}};
-    memcpy(result->data, work->data, static_cast<size_t>(prec) + 1);
+    result->prec = std::min<uint8_t>(work->prec, BCD_DIGITS);
+    result->exp = work->exp;
+    result->flags = work->flags;
+    result->sign = work->sign;
+    result->data[0] = work->data[0];
+    for (int i = 1; i <= BCD_DIGITS; i += WORD_DIGITS)
+        store_word(result->data + i, load_word(work->data + i));
     return bcd_retcode(work->flags);
 }
 
@@ -829,43 +827,37 @@ OAK_RETCODE assign_result(WORK_BCD *work, OAK_BCD_ROUNDING_MODE mode, OAK_BCD_T 
 int ucompare(const BCD_OPERAND &l, const BCD_OPERAND &r) {
     if (l.data == r.data)
         return 0;
-    if (l.exp == r.exp)
-        return compare_aligned(l, r);
-    if (has_first_digit(l) && has_first_digit(r))
+    if (!has_first_digit(l) || !has_first_digit(r))
+        return compare_places(l, r);
+    if (l.exp != r.exp)
         return l.exp < r.exp ? -1 : 1;
-    return compare_places(l, r);
+    return compare_words(l, r);
 }
 
 void add_digits(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
-    const ALIGNED_ROWS rows(l, r);
     DWORK_BCD sum;
-    sum.prec = rows.prec;
-    sum.exp = rows.exp;
-    sum.flags = joined_flags(l, r);
-    sum.sign = l.sign;
+    const WORD_ROWS rows(l, r);
+    prepare_raw(rows.alignment, joined_flags(l, r), l.sign, &sum);
     if (rows.are_proper())
-        add_words(rows, &sum);
+        add_rows(rows, &sum);
     else
-        add_each_digit(rows, &sum);
+        add_each_digit(DIGIT_ROWS(l, r), &sum);
     normalize_res(&sum, res);
 }
 
 void sub_digits(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
-    ALIGNED_ROWS rows(l, r);
-    const int order = rows.compare();
+    const WORD_ROWS rows(l, r);
+    const int order = rows.are_proper() ? rows.compare() : ucompare(l, r);
     if (order == 0)
         return work_set_zero(res, joined_flags(l, r));
-    if (order < 0)
-        rows.swap();
+    const bool from_right = order < 0;
     DWORK_BCD difference;
-    difference.prec = rows.prec;
-    difference.exp = rows.exp;
-    difference.flags = joined_flags(l, r);
-    difference.sign = order < 0 ? opposite(l.sign) : l.sign;
+    prepare_raw(rows.alignment, joined_flags(l, r), from_right ? opposite(l.sign) : l.sign,
+                &difference);
     if (rows.are_proper())
-        subtract_words(rows, &difference);
+        subtract_rows(rows, from_right, &difference);
     else
-        subtract_each_digit(rows, &difference);
+        subtract_each_digit(from_right ? DIGIT_ROWS(r, l) : DIGIT_ROWS(l, r), &difference);
     normalize_res(&difference, res);
 }
 
@@ -940,7 +932,7 @@ void work_reciprocal(const BCD_OPERAND &bcd, WORK_BCD *res) {
     if (divisor.prec == 0)
         return work_set_zero(res, BCD_FLAG_DIVBY0);
     DWORK_BCD raw;
-    raw_digits_of(newton_reciprocal(divisor, &raw.flags), &raw);
+    take_fixed(newton_reciprocal(divisor, &raw.flags), &raw);
     raw.sign = divisor.sign;
     normalize_res(&raw, res);
     res->exp = static_cast<int8_t>(res->exp - divisor.exp);

@@ -13,9 +13,6 @@
 #ifndef BCD_INTERNAL_H
 #define BCD_INTERNAL_H
 
-#include <bit>
-#include <cstring>
-
 #include "bcd.h"
 
 // ---- Records --------------------------------------------------------------
@@ -36,23 +33,20 @@ struct WORK_BCD {
 static_assert(sizeof(OAK_BCD_T) == 37 && offsetof(OAK_BCD_T, data) == 4);
 static_assert(sizeof(WORK_BCD) == 45 && offsetof(WORK_BCD, data) == 4);
 
-/// Raw output of the digit loops, before normalize_res trims it: digit i of 1 to
-/// `prec` is data()[i] and data()[0] is the carry slot. A product has at most 80
-/// digits; the sum of two operands at opposite ends of what `exp` can hold has
-/// fewer than 296. Bytes before the carry slot are zero, and so are those behind
-/// `prec` up to the next multiple of eight digits; what follows is undefined.
+/// Raw output of the digit loops, before normalize_res trims it: digits 1 to
+/// `prec`, eight a word as in bcd_words.h. Zeros follow them to the end of their last
+/// word and for ZERO_WORDS more. A product has at most 80 digits; the sum of two
+/// operands at opposite ends of what `exp` can hold has fewer than 296.
 struct DWORK_BCD {
-    static constexpr int CARRY = 7;  // so that digit 1 begins a word of eight
-    static constexpr int SIZE = 304; // a multiple of eight
+    static constexpr int DIGIT_WORDS = 37;
+    static constexpr int ZERO_WORDS = 5;
 
     int prec;
     int exp;
     uint8_t flags;
     int8_t sign;
-    alignas(8) uint8_t digits[SIZE];
-
-    uint8_t *data() { return digits + CARRY; }
-    const uint8_t *data() const { return digits + CARRY; }
+    uint8_t carry; // digit 0
+    uint64_t words[DIGIT_WORDS + ZERO_WORDS];
 };
 
 /// An operand: a public or a work value, read in place. It converts from a
@@ -158,33 +152,6 @@ void normalized_copy(OAK_BCD_T *dst, const OAK_BCD_T *src);
 
 /// The same with digits above 9 carried, for whoever shows digits to the world.
 void clean_copy(OAK_BCD_T *dst, const OAK_BCD_T *src);
-
-// ---- Words of eight digits ------------------------------------------------
-
-inline constexpr int WORD_DIGITS = 8;
-
-/// Eight digits as they lie in memory, the first in the highest byte.
-inline uint64_t load_digit_word(const uint8_t *digits) {
-    uint64_t word;
-    memcpy(&word, digits, sizeof word);
-    return std::endian::native == std::endian::little ? __builtin_bswap64(word) : word;
-}
-
-inline void store_digit_word(uint8_t *digits, uint64_t word) {
-    if (std::endian::native == std::endian::little)
-        word = __builtin_bswap64(word);
-    memcpy(digits, &word, sizeof word);
-}
-
-/// A number below 10^8 as eight digits: halved into fields of four, two and one
-/// digit, each step dividing all fields at once by a multiplication.
-inline uint64_t digit_word_of(uint32_t number) {
-    uint64_t fields = (uint64_t{number / 10000} << 32) | (number % 10000);
-    const uint64_t hundreds = ((fields * 5243) >> 19) & 0x0000007F0000007F;
-    fields = (hundreds << 16) + (fields - hundreds * 100);
-    const uint64_t tens = ((fields * 103) >> 10) & 0x000F000F000F000F;
-    return (tens << 8) + (fields - tens * 10);
-}
 
 /// The integer digits of a decimal as an unsigned 64-bit number: eRANGE past
 /// `limit` (*magnitude then holds the low 64 bits), sPRECISIONLOSS for a

@@ -17,6 +17,7 @@
 // Rests on bcd.cpp for copies and digit words, and on the platform layer for the
 // text of a double. Nothing is allocated.
 #include "bcd_internal.h"
+#include "bcd_words.h"
 #include "state_machine.h"
 #include "text_output.h"
 
@@ -26,6 +27,8 @@
 #include <iterator>
 #include <limits>
 #include <type_traits>
+
+using namespace bcd_words;
 
 namespace {
 
@@ -290,11 +293,10 @@ void set_if_asked(Value *place, int value) {
 OAK_RETCODE from_magnitude(uint64_t magnitude, int8_t sign, OAK_BCD_T *bcd) {
     if (bcd == nullptr)
         return eINVNULLARG;
-    constexpr uint32_t LIMB_BASE = 100000000;
     constexpr int SPACE = 3 * WORD_DIGITS; // a 64-bit number has at most 20 digits
     uint8_t digits[SPACE];
     for (int i = SPACE - WORD_DIGITS; i >= 0; i -= WORD_DIGITS, magnitude /= LIMB_BASE)
-        store_digit_word(digits + i, digit_word_of(static_cast<uint32_t>(magnitude % LIMB_BASE)));
+        store_word(digits + i, word_of(magnitude % LIMB_BASE));
     int first = 0;
     while (first < SPACE && digits[first] == 0)
         ++first;
