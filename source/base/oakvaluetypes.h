@@ -90,8 +90,9 @@ typedef OAK_RETCODE (*B_TYPE_SCHEMA_ASSIGN_FROM_BUFF_FCN)(SCH_TYPE_INFO_C pi, OA
 /* Value to stream. */
 typedef OAK_RETCODE (*B_TYPE_SCHEMA_PACK_FCN)(SCH_TYPE_INFO_C pi, const OAK_VALUE *col,
                                               B_ENCODER encoder);
-/* Stream to value; payloads behind a pointer are allocated in `tag`. A failure
- * leaves nothing allocated and `vt` as it was. */
+/* Stream to value; payloads behind a pointer are allocated in `tag`. Status, type,
+ * `elts` and `len` are set first; a failure leaves nothing allocated and `vt` as
+ * it was. */
 typedef OAK_RETCODE (*B_TYPE_SCHEMA_UNPACK_FCN)(SCH_TYPE_INFO_C pi, OAK_VALUE *col, OSL_MEMTAG tag,
                                                 B_DECODER decoder);
 /* Stream to record buffer of the column's byte length. `*hasValue` (optional)
@@ -254,8 +255,8 @@ B_TYPE_LIST_LOB(B_TYPE_COPY_FUNCTIONS)
 #undef B_TYPE_COPY_FUNCTIONS
 
 /* copy_to_buff, pack, unpack, unpack_to_buff. eBADDATALEN: a value that the
- * column cannot hold. eINVBCD: a decimal that does not pack or unpack.
- * eDBCORRUPTED: a text or varbinary in the stream that is longer than its
+ * column cannot hold, an array with fewer elements than it declares. eINVBCD: a decimal that does
+ * not pack or unpack. eDBCORRUPTED: a text or varbinary in the stream that is longer than its
  * column, a run list that leaves the array, a number out of its type's range;
  * eEOD, eINVVARINT and the like as the decoder gives them. eNOMEMORY. */
 #define B_TYPE_STREAM_FUNCTIONS(type)                                                              \

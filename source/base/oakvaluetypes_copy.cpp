@@ -109,9 +109,8 @@ OAK_RETCODE copy_arrayable(SCH_TYPE_INFO_C pi, OAK_VALUE *dst, const OAK_VALUE *
     if (dst->elts != 0) {
         return copy_array<Element>(pi, dst, source, maxExtraBytes, tag);
     }
-    OAK_COLUMN payload = {};
-    memcpy(&payload, source.place, sizeof(Element));
-    dst->vt = payload;
+    const auto element = load_element<Element>(source, 0); // `dst` may be the source
+    store_inline(dst, &element, sizeof element);
     return sOKAY;
 }
 
@@ -134,8 +133,7 @@ OAK_RETCODE inline_from_buff(OAK_VALUE *dst, const void *buff, size_t size, size
     if (too_short(size, len)) {
         return sTRUNCATE;
     }
-    dst->vt = {};
-    memcpy(&dst->vt, buff, len);
+    store_inline(dst, buff, len);
     return sOKAY;
 }
 

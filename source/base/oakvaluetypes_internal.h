@@ -109,8 +109,15 @@ inline size_t binary_bytes_at_hand(SCH_TYPE_INFO_C pi, const OAK_VALUE *value) {
 // `size` bytes, of which the source has `available`; the rest is zero.
 inline void store_padded(void *place, const void *source, size_t available, size_t size) {
     const size_t taken = available < size ? available : size;
-    memcpy(place, source, taken);
+    if (taken != 0) { // an empty source may be null
+        memcpy(place, source, taken);
+    }
     memset(static_cast<uint8_t *>(place) + taken, 0, size - taken);
+}
+
+// A scalar's bytes into the payload, the rest of which becomes zero.
+inline void store_inline(OAK_VALUE *value, const void *source, size_t size) {
+    store_padded(&value->vt, source, size, sizeof value->vt);
 }
 
 // A fixed type's record in a block of its own with zero padding; null when memory

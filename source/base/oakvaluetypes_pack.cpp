@@ -125,8 +125,7 @@ OAK_RETCODE unpack_arrayable(SCH_TYPE_INFO_C, OAK_VALUE *col, OSL_MEMTAG tag, B_
     typename Traits::Stream number;
     const OAK_RETCODE rc = decode(decoder, &number);
     if (rc == sOKAY) {
-        col->vt = {};
-        memcpy(&col->vt, &number, sizeof number);
+        store_inline(col, &number, sizeof number);
     }
     return rc;
 }
@@ -254,8 +253,7 @@ OAK_RETCODE unpack_inline(SCH_TYPE_INFO_C pi, OAK_VALUE *col, OSL_MEMTAG, B_DECO
     typename Traits::Value record;
     const OAK_RETCODE rc = read_record(pi, decoder, &record);
     if (rc == sOKAY) {
-        col->vt = {};
-        memcpy(&col->vt, &record, Traits::used);
+        store_inline(col, &record, Traits::used);
     }
     return rc;
 }

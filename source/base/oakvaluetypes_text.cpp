@@ -279,8 +279,7 @@ OAK_RETCODE store_in_array(OAK_VALUE *value, uint32_t elem, Element number, OSL_
 
 template <class Element>
 OAK_RETCODE store_scalar(OAK_VALUE *value, Element number) {
-    value->vt = {};
-    memcpy(&value->vt, &number, sizeof number);
+    store_inline(value, &number, sizeof number);
     return sOKAY;
 }
 

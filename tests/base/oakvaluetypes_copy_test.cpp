@@ -10,31 +10,10 @@
 #include "bcd.h"
 #include "test_support.h"
 #include "type_descriptors.h"
-#include "value.h"
 
 using namespace oaktest;
 
 namespace {
-
-OAK_VALUE of_type(OAK_TYPE type) {
-    OAK_VALUE value;
-    oak_valueInitWithStatusAndType(&value, vsOKAY, type);
-    return value;
-}
-
-template <class Native>
-OAK_VALUE scalar(OAK_TYPE type, Native number) {
-    OAK_VALUE value = of_type(type);
-    memcpy(&value.vt, &number, sizeof number);
-    return value;
-}
-
-OAK_VALUE pointed(OAK_TYPE type, const void *payload, size_t len = 0) {
-    OAK_VALUE value = of_type(type);
-    value.vt.pv = payload;
-    value.len = len;
-    return value;
-}
 
 // A value whose every byte but its tag is set.
 OAK_VALUE dirty() {
@@ -130,8 +109,7 @@ template <class Element>
 void expect_array_copied(OAK_TYPE code) {
     SCOPED_TRACE(code);
     const std::vector<Element> elements = {1, 2, 3, 4};
-    OAK_VALUE source = pointed(code, elements.data());
-    source.elts = 4;
+    const OAK_VALUE source = array_at(code, elements.data(), 4);
     Column column(number_type(code, 4));
     constexpr size_t width = sizeof(Element);
     // Nothing may be allocated: no value, and that is no failure.
@@ -182,16 +160,14 @@ TEST(Copy, RefusesAnArrayLongerThanItsColumn) {
     for (const OAK_TYPE code :
          {OAK_INT8, OAK_UINT8, OAK_INT16, OAK_UINT16, OAK_UINT32, OAK_INT64, OAK_UINT64}) {
         Column column(number_type(code, 2));
-        OAK_VALUE source = pointed(code, elements);
-        source.elts = 3;
+        const OAK_VALUE source = array_at(code, elements, 3);
         EXPECT_EQ(column.copy(source, 100), eBADDATALEN) << code;
         EXPECT_EQ(column.tag.live(), 0u);
     }
     // ... and these take as many as the column has.
     for (const OAK_TYPE code : {OAK_BOOL, OAK_INT32, OAK_FLOAT, OAK_DOUBLE}) {
         Column column(number_type(code, 2));
-        OAK_VALUE source = pointed(code, elements);
-        source.elts = 3;
+        const OAK_VALUE source = array_at(code, elements, 3);
         EXPECT_EQ(column.copy(source, 100), sOKAY) << code;
         EXPECT_EQ(column.value.elts, 2u);
         column.release();
@@ -203,15 +179,13 @@ TEST(Copy, RefusesAnArrayOfAColumnWithoutBytes) {
     type.byte_len = 0; // not finalized yet
     Column column(type);
     const int32_t elements[] = {1, 2};
-    OAK_VALUE source = pointed(OAK_INT32, elements);
-    source.elts = 2;
+    const OAK_VALUE source = array_at(OAK_INT32, elements, 2);
     EXPECT_EQ(column.copy(source, 100), eBADDATALEN);
 }
 
 TEST(Copy, FillsUpAnArrayThatIsShorterThanItsColumn) {
     const int32_t elements[] = {1, 2};
-    OAK_VALUE source = pointed(OAK_INT32, elements);
-    source.elts = 2;
+    const OAK_VALUE source = array_at(OAK_INT32, elements, 2);
     Column column(number_type(OAK_INT32, 3));
     ASSERT_EQ(column.copy(source, 100), sOKAY);
     EXPECT_EQ(column.value.elts, 3u);
@@ -229,8 +203,7 @@ TEST(Copy, FillsUpAnArrayThatIsShorterThanItsColumn) {
 
 TEST(Copy, TakesTheFirstElementForAScalarColumn) {
     const int32_t elements[] = {7, 2};
-    OAK_VALUE source = pointed(OAK_INT32, elements);
-    source.elts = 2;
+    const OAK_VALUE source = array_at(OAK_INT32, elements, 2);
     Column column(number_type(OAK_INT32));
     ASSERT_EQ(column.copy(source, 100), sOKAY);
     EXPECT_EQ(column.value.elts, 0u);
@@ -504,8 +477,7 @@ TEST(Copy, RefusesNullPointers) {
 TEST(Copy, LeavesNothingBehindWhenMemoryEnds) {
     const OAK_BCD_T number = some_decimal();
     const int32_t elements[] = {1, 2};
-    OAK_VALUE array = pointed(OAK_INT32, elements);
-    array.elts = 2;
+    const OAK_VALUE array = array_at(OAK_INT32, elements, 2);
     struct {
         _SCH_TYPE_INFO type;
         OAK_VALUE source;
@@ -583,10 +555,8 @@ TEST(CopyToBuff, WritesNumbersInMachineForm) {
 }
 
 template <class Element>
-OAK_VALUE array_of(OAK_TYPE code, const std::vector<Element> &elements) {
-    OAK_VALUE value = pointed(code, elements.data());
-    value.elts = static_cast<uint32_t>(elements.size());
-    return value;
+OAK_VALUE array_of(OAK_TYPE type, const std::vector<Element> &elements) {
+    return array_at(type, elements.data(), elements.size());
 }
 
 TEST(CopyToBuff, WritesArraysInMachineForm) {
@@ -652,8 +622,7 @@ TEST(CopyToBuff, WritesRecordsBehindAPointer) {
     OAK_BCD_T numbers[2] = {some_decimal(), some_decimal()};
     numbers[1].sign = 1;
     expect_to_buff(decimal_type(4, 1), pointed(OAK_BCD, numbers), hex(numbers, 37));
-    OAK_VALUE two = pointed(OAK_BCD, numbers);
-    two.elts = 2;
+    const OAK_VALUE two = array_at(OAK_BCD, numbers, 2);
     expect_to_buff(decimal_type(4, 1), two, hex(numbers, 74));
     Record record;
     for (const OAK_TYPE code : {OAK_UUID, OAK_BCD, OAK_TIMESTAMPTZ}) {

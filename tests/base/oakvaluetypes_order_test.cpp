@@ -12,38 +12,14 @@
 #include "hashfcn.h"
 #include "test_support.h"
 #include "type_descriptors.h"
-#include "value.h"
 
 using namespace oaktest;
 
 namespace {
 
-OAK_VALUE of_type(OAK_TYPE type) {
-    OAK_VALUE value;
-    oak_valueInitWithStatusAndType(&value, vsOKAY, type);
-    return value;
-}
-
-template <class Native>
-OAK_VALUE scalar(OAK_TYPE type, Native number) {
-    OAK_VALUE value = of_type(type);
-    memcpy(&value.vt, &number, sizeof number);
-    return value;
-}
-
-OAK_VALUE pointed(OAK_TYPE type, const void *payload, size_t len = 0) {
-    OAK_VALUE value = of_type(type);
-    value.vt.pv = payload;
-    value.len = len;
-    return value;
-}
-
 template <class Element>
 OAK_VALUE array(OAK_TYPE type, const std::vector<Element> &elements) {
-    OAK_VALUE value = of_type(type);
-    value.elts = static_cast<uint32_t>(elements.size());
-    value.vt.pv = elements.data();
-    return value;
+    return array_at(type, elements.data(), elements.size());
 }
 
 OAK_COMPARE reversed(OAK_COMPARE order) {

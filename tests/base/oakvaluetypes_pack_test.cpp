@@ -14,39 +14,10 @@
 #include "encoder.h"
 #include "test_support.h"
 #include "type_descriptors.h"
-#include "value.h"
 
 using namespace oaktest;
 
 namespace {
-
-OAK_VALUE of_type(OAK_TYPE type) {
-    OAK_VALUE value;
-    oak_valueInitWithStatusAndType(&value, vsOKAY, type);
-    return value;
-}
-
-template <class Native>
-OAK_VALUE scalar(OAK_TYPE type, Native number) {
-    OAK_VALUE value = of_type(type);
-    memcpy(&value.vt, &number, sizeof number);
-    return value;
-}
-
-OAK_VALUE pointed(OAK_TYPE type, const void *payload, size_t len = 0) {
-    OAK_VALUE value = of_type(type);
-    value.vt.pv = payload;
-    value.len = len;
-    return value;
-}
-
-template <class Element>
-OAK_VALUE array_at(OAK_TYPE type, const Element *elements, uint32_t count) {
-    OAK_VALUE value = of_type(type);
-    value.elts = count;
-    value.vt.pv = elements;
-    return value;
-}
 
 const OAK_UUID_T kUuid = {0x04030201, 0x0605, 0x0807, 9, 10, {11, 12, 13, 14, 15, 16}};
 const OAK_PACKED_TIMESTAMPTZ_T kMoment = {738000, 5, -90};
@@ -791,9 +762,8 @@ TEST(Pack, NeedsMemoryForElementsAtOddAddressesAlone) {
     Writing writing;
     ASSERT_EQ(b_buffIncreaseSize(&writing.bytes, 100), sOKAY);
     for (const bool odd : {false, true}) {
-        const OAK_VALUE value = odd ? pointed(OAK_INT32, moved + 1) : pointed(OAK_INT32, numbers);
-        OAK_VALUE array = value;
-        array.elts = 2;
+        const void *place = odd ? static_cast<const void *>(moved + 1) : numbers;
+        const OAK_VALUE array = array_at(OAK_INT32, place, 2);
         const uint64_t injected = sweep_faults(Resource::memory, {eNOMEMORY}, [&] {
             b_encoderReset(writing.encoder);
             return b_type_schema_pack_int32(&type, &array, writing.encoder);
@@ -889,8 +859,8 @@ TEST(Stream, CarriesRandomArrays) {
             number = static_cast<int64_t>(random.next() >> random.below(64));
         }
         const _SCH_TYPE_INFO type = number_type(OAK_INT64, static_cast<uint16_t>(numbers.size()));
-        const std::string stream = packed(
-            type, array_at(OAK_INT64, numbers.data(), static_cast<uint32_t>(numbers.size())));
+        const std::string stream =
+            packed(type, array_at(OAK_INT64, numbers.data(), numbers.size()));
         const Unpacked read(type, stream);
         ASSERT_EQ(read.rc, sOKAY);
         EXPECT_EQ(memcmp(read.value.vt.pv, numbers.data(), numbers.size() * 8), 0);

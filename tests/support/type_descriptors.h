@@ -1,10 +1,13 @@
-// Column types for the tests of the type operations: descriptors with the byte
-// length that a finalized table would give them.
+// Column types and their values for the tests of the type operations. A
+// descriptor has the byte length that a finalized table would give it.
 #ifndef TYPE_DESCRIPTORS_H
 #define TYPE_DESCRIPTORS_H
 
+#include <cstring>
+
 #include "schema_internal.h"
 #include "types.h"
+#include "value.h"
 
 namespace oaktest {
 
@@ -51,6 +54,36 @@ inline _SCH_TYPE_INFO varbinary_type(uint16_t len) {
     info.x.b.len = len;
     info.byte_len = static_cast<uint16_t>(len + 2);
     return info;
+}
+
+// ---- Values of such columns ---------------------------------------------------------
+
+inline OAK_VALUE of_type(OAK_TYPE type) {
+    OAK_VALUE value;
+    oak_valueInitWithStatusAndType(&value, vsOKAY, type);
+    return value;
+}
+
+template <class Native>
+OAK_VALUE scalar(OAK_TYPE type, Native number) {
+    OAK_VALUE value = of_type(type);
+    memcpy(&value.vt, &number, sizeof number);
+    return value;
+}
+
+/// A payload behind a pointer, borrowed.
+inline OAK_VALUE pointed(OAK_TYPE type, const void *payload, size_t len = 0) {
+    OAK_VALUE value = of_type(type);
+    value.vt.pv = payload;
+    value.len = len;
+    return value;
+}
+
+/// An array, borrowed.
+inline OAK_VALUE array_at(OAK_TYPE type, const void *elements, size_t count) {
+    OAK_VALUE value = pointed(type, elements);
+    value.elts = static_cast<uint32_t>(count);
+    return value;
 }
 
 } // namespace oaktest
