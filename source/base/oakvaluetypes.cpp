@@ -4,8 +4,6 @@
 // (streams). Called by the schema, which puts a table into each column's type.
 #include "oakvaluetypes.h"
 
-#include "schema_type.h"
-
 // ---- Columns of functions -------------------------------------------------------
 
 #define TEXT_OF(type)        b_type_tostring_##type, b_type_fromstring_##type
