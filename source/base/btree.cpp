@@ -29,11 +29,26 @@
 
 namespace {
 
-using oak::ContainerLock;
 using Node = B_BTREE_NODE;
 
 constexpr uint32_t kFewestSlots = 3;
 constexpr uint32_t kPathGrowth = 5;
+
+template <class Call>
+[[gnu::noinline]] auto run_with_mutex(B_BT tree, Call call) {
+    const oak::ContainerLock lock(tree->sem);
+    return call();
+}
+
+/// Runs a call, holding the tree's mutex where it has one. Without one, a walk or a
+/// find pays a comparison for it and no stack frame.
+template <class Call>
+auto locked(B_BT tree, Call call) {
+    if (tree->sem == OSL_SEM_NONE) [[likely]] {
+        return call();
+    }
+    return run_with_mutex(tree, call);
+}
 
 // ---- Nodes ------------------------------------------------------------------
 
@@ -159,44 +174,43 @@ auto comparison_with(const _B_BTREE *tree, const void *lookup) {
     };
 }
 
-/// Searches from `node` down; the path gets a level for each node. True on a hit.
-bool descend(B_BT tree, Node *node, const void *lookup) {
+/// Searches from `node` down; the path gets a level for each node. Returns the item,
+/// or null, the cursor then being in the gap where it would be.
+void *descend(B_BT tree, Node *node, const void *lookup) {
     const auto compare = comparison_with(tree, lookup);
-    while (node != nullptr) {
+    B_BTREE_PATH *place = tree->path + (tree->pathlevel + 1);
+    void *item = nullptr;
+    for (; node != nullptr; ++place) {
         uint32_t slot = 0;
         const bool hit = oak::node_search(*node, 0, node->used, compare, &slot);
-        push(tree, node, slot);
-        if (hit) {
-            tree->cursor = BtCursor::on_item;
-            return true;
-        }
-        node = child_at(node, slot);
+        *place = {node, slot};
+        item = hit ? node->slots[slot].data : nullptr;
+        node = hit ? nullptr : child_at(node, slot);
     }
-    tree->cursor = BtCursor::between;
-    return false;
+    tree->pathlevel = static_cast<uint32_t>(place - tree->path) - 1;
+    tree->cursor = item != nullptr ? BtCursor::on_item : BtCursor::between;
+    return item;
 }
 
-bool locate(B_BT tree, const void *lookup) {
+void *locate(B_BT tree, const void *lookup) {
     tree->pathlevel = kNoBtPath;
     return descend(tree, &tree->root, lookup);
 }
 
-enum class Near { hit, miss, elsewhere };
-
-/// Looks in the node at the path's end, and below it, if the lookup lies between
-/// its first and its last item.
-Near locate_near(B_BT tree, const void *lookup) {
+/// Looks in the node at the path's end, and below it. False if the lookup does not lie
+/// between the first and the last item of that node, so that it may be anywhere.
+bool locate_near(B_BT tree, const void *lookup, void **pItem) {
     B_BTREE_PATH &end = path_end(tree);
     const Node *node = end.node;
     if (node->used == 0) {
-        return Near::elsewhere;
+        return false;
     }
     const auto compare = comparison_with(tree, lookup);
     const uint32_t last = node->used - 1;
     const OAK_COMPARE with_first = compare(node->slots[0].data);
     const OAK_COMPARE with_last = with_first == OAK_GT ? compare(node->slots[last].data) : OAK_EQ;
     if (with_first == OAK_LT || with_last == OAK_GT) {
-        return Near::elsewhere;
+        return false;
     }
     bool hit = true;
     uint32_t slot = with_first == OAK_EQ ? 0 : last;
@@ -204,27 +218,22 @@ Near locate_near(B_BT tree, const void *lookup) {
         hit = oak::node_search(*node, 1, last, compare, &slot);
     }
     end.slot = slot;
-    if (hit) {
-        tree->cursor = BtCursor::on_item;
-        return Near::hit;
-    }
-    return descend(tree, child_at(node, slot), lookup) ? Near::hit : Near::miss;
+    *pItem = hit ? stand_on_item(tree) : descend(tree, child_at(node, slot), lookup);
+    return true;
 }
 
-/// Finds the item, or the gap where it would be, for the lookups: a find close to
-/// the last one is done from there.
-bool look_up(B_BT tree, const void *lookup) {
+/// Finds the item, or null and the gap where it would be, for the lookups: a find
+/// close to the last one is done from there.
+void *look_up(B_BT tree, const void *lookup) {
     tree->next_value = nullptr;
-    if (tree->clustered && has_path(tree)) {
-        const Near result = locate_near(tree, lookup);
-        if (result != Near::elsewhere) {
-            return result == Near::hit;
-        }
+    void *item = nullptr;
+    if (tree->clustered && has_path(tree) && locate_near(tree, lookup, &item)) {
+        return item;
     }
     const Node *before = has_path(tree) ? path_end(tree).node : nullptr;
-    const bool hit = locate(tree, lookup);
+    item = locate(tree, lookup);
     tree->clustered = path_end(tree).node == before;
-    return hit;
+    return item;
 }
 
 // ---- Walk -------------------------------------------------------------------
@@ -251,7 +260,11 @@ void *step_forward(B_BT tree) {
     if (tree->cursor == BtCursor::on_item) {
         B_BTREE_PATH &end = path_end(tree);
         ++end.slot;
-        push_leftmost(tree, child_at(end.node, end.slot));
+        Node *behind = child_at(end.node, end.slot);
+        if (behind == nullptr && end.slot < end.node->used) [[likely]] {
+            return end.node->slots[end.slot].data; // the next in the leaf
+        }
+        push_leftmost(tree, behind);
     }
     while (path_end(tree).slot == path_end(tree).node->used) {
         if (tree->pathlevel == 0) {
@@ -277,43 +290,49 @@ void *step_back(B_BT tree) {
     return stand_on_item(tree);
 }
 
-/// Moves the cursor onto `next_value`, if there is one, and clears it.
-bool take_next_value(B_BT tree) {
+/// Moves the cursor onto `next_value` and clears it; returns the item.
+void *take_next_value(B_BT tree) {
     const void *item = tree->next_value;
     tree->next_value = nullptr;
-    return item != nullptr && locate(tree, item);
+    return locate(tree, item);
 }
 
 void *next(B_BT tree) {
-    if (take_next_value(tree)) {
-        return stand_on_item(tree);
+    if (tree->next_value != nullptr) [[unlikely]] {
+        return take_next_value(tree);
     }
-    switch (tree->cursor) {
-        case BtCursor::on_item:
-        case BtCursor::between:
-            return step_forward(tree);
-        case BtCursor::before_first:
-            return first(tree);
-        case BtCursor::after_last:
-        case BtCursor::lost:
-            break;
+    if (has_path(tree)) [[likely]] {
+        return step_forward(tree);
     }
-    return nullptr;
+    return tree->cursor == BtCursor::before_first ? first(tree) : nullptr;
 }
 
 void *previous(B_BT tree) {
-    take_next_value(tree);
-    switch (tree->cursor) {
-        case BtCursor::on_item:
-        case BtCursor::between:
-            return step_back(tree);
-        case BtCursor::after_last:
-            return last(tree);
-        case BtCursor::before_first:
-        case BtCursor::lost:
-            break;
+    if (tree->next_value != nullptr) [[unlikely]] {
+        take_next_value(tree);
     }
-    return nullptr;
+    if (has_path(tree)) [[likely]] {
+        return step_back(tree);
+    }
+    return tree->cursor == BtCursor::after_last ? last(tree) : nullptr;
+}
+
+void *go_to_first(B_BT tree) {
+    tree->next_value = nullptr;
+    return first(tree);
+}
+
+void *go_to_last(B_BT tree) {
+    tree->next_value = nullptr;
+    return last(tree);
+}
+
+void *find_or(B_BT tree, const void *lookup, B_BTREE_ON_NOT_FOUND otherwise) {
+    void *item = look_up(tree, lookup);
+    if (item != nullptr || otherwise == BT_RETURN_NONE) {
+        return item;
+    }
+    return otherwise == BT_RETURN_NEXT ? step_forward(tree) : step_back(tree);
 }
 
 /// The item behind a gap at the path's end, null at the end of the tree.
@@ -451,7 +470,7 @@ OAK_RETCODE add(B_BT tree, const void *item) {
     if (item == nullptr) {
         return eINVNULLARG;
     }
-    if (!gap_fits(tree, item) && locate(tree, item)) {
+    if (!gap_fits(tree, item) && locate(tree, item) != nullptr) {
         return eDUPLICATE;
     }
     SpareNodes spare;
@@ -555,11 +574,19 @@ void *forget(B_BT tree) {
 /// Deletes for a caller who may walk on: the cursor stands in front of the item that
 /// follows, or past the end.
 void *delete_and_stay(B_BT tree, const void *lookup) {
-    if (!locate(tree, lookup)) {
+    if (locate(tree, lookup) == nullptr) {
         return nullptr;
     }
     tree->next_value = successor(tree);
     return take_out(tree, tree->next_value != nullptr ? BtCursor::lost : BtCursor::after_last);
+}
+
+void *delete_first(B_BT tree) {
+    return first(tree) != nullptr ? forget(tree) : nullptr;
+}
+
+void *delete_last(B_BT tree) {
+    return last(tree) != nullptr ? forget(tree) : nullptr;
 }
 
 OAK_RETCODE add_multiple(B_BT tree, uint32_t count, const void *const *items) {
@@ -648,8 +675,7 @@ uint32_t b_btCount(B_BT tree) {
     if (tree == nullptr) {
         return 0;
     }
-    const ContainerLock lock(tree->sem);
-    return tree->count;
+    return locked(tree, [=] { return tree->count; });
 }
 
 // ---- Change -----------------------------------------------------------------
@@ -658,40 +684,35 @@ OAK_RETCODE b_btAdd(B_BT tree, const void *item) {
     if (tree == nullptr) {
         return eINVNULLARG;
     }
-    const ContainerLock lock(tree->sem);
-    return add(tree, item);
+    return locked(tree, [=] { return add(tree, item); });
 }
 
 OAK_RETCODE b_btAddMultiple(B_BT tree, uint32_t count, const void *const *items) {
     if (tree == nullptr || (items == nullptr && count > 0)) {
         return eINVNULLARG;
     }
-    const ContainerLock lock(tree->sem);
-    return add_multiple(tree, count, items);
+    return locked(tree, [=] { return add_multiple(tree, count, items); });
 }
 
 void *b_btDelete(B_BT tree, const void *lookup) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    return delete_and_stay(tree, lookup);
+    return locked(tree, [=] { return delete_and_stay(tree, lookup); });
 }
 
 void *b_btDeleteFirst(B_BT tree) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    return first(tree) != nullptr ? forget(tree) : nullptr;
+    return locked(tree, [=] { return delete_first(tree); });
 }
 
 void *b_btDeleteLast(B_BT tree) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    return last(tree) != nullptr ? forget(tree) : nullptr;
+    return locked(tree, [=] { return delete_last(tree); });
 }
 
 // ---- Find -------------------------------------------------------------------
@@ -700,24 +721,21 @@ void *b_btFind(B_BT tree, const void *lookup) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    return look_up(tree, lookup) ? stand_on_item(tree) : nullptr;
+    return locked(tree, [=] { return find_or(tree, lookup, BT_RETURN_NONE); });
 }
 
 void *b_btFindOrNext(B_BT tree, const void *lookup) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    return look_up(tree, lookup) ? stand_on_item(tree) : step_forward(tree);
+    return locked(tree, [=] { return find_or(tree, lookup, BT_RETURN_NEXT); });
 }
 
 void *b_btFindOrPrev(B_BT tree, const void *lookup) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    return look_up(tree, lookup) ? stand_on_item(tree) : step_back(tree);
+    return locked(tree, [=] { return find_or(tree, lookup, BT_RETURN_PREV); });
 }
 
 // ---- Walk -------------------------------------------------------------------
@@ -726,32 +744,26 @@ void *b_btFirst(B_BT tree) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    tree->next_value = nullptr;
-    return first(tree);
+    return locked(tree, [=] { return go_to_first(tree); });
 }
 
 void *b_btLast(B_BT tree) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    tree->next_value = nullptr;
-    return last(tree);
+    return locked(tree, [=] { return go_to_last(tree); });
 }
 
 void *b_btNext(B_BT tree) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    return next(tree);
+    return locked(tree, [=] { return next(tree); });
 }
 
 void *b_btPrev(B_BT tree) {
     if (tree == nullptr) {
         return nullptr;
     }
-    const ContainerLock lock(tree->sem);
-    return previous(tree);
+    return locked(tree, [=] { return previous(tree); });
 }

@@ -14,21 +14,24 @@
  * Limits: up to 4294967295 items; 3 or more slots, the most items that a node
  * keeps. Cost: O(log n) comparisons a call; a step of a walk is constant time
  * on average and compares nothing; nodes recycle, so that steady adding and
- * deleting allocates nothing. 1,000 items take about 24 kB with 32 slots when
+ * deleting allocates nothing. 1,000 items take about 26 kB with 32 slots when
  * added in random order, 35 kB in ascending order; 8,000 of it are the pointers.
  *
  * Locks: with B_BT_SYNC each call holds a mutex for its whole duration. The
  * cursor is shared all the same: two threads that walk one tree disturb each
  * other.
  *
- * Iteration: every find, b_btFirst and b_btLast sets the cursor; b_btNext and
- * b_btPrev move it to the neighbour and return that item, or null past an end,
- * where the cursor is then lost. After a find without a hit the cursor stands
- * between two items, and the next step gives the one on its side. After
- * b_btDelete b_btNext gives the successor of the deleted item and b_btPrev its
- * predecessor. After b_btAdd, b_btDeleteFirst and b_btDeleteLast there is no
- * walk to go on with: begin again with a find, b_btFirst or b_btLast; a step
- * without that returns null or some item, and does no harm. */
+ * Iteration: the cursor stands on an item, in the gap where a missing item would
+ * be, past one of the ends, or nowhere. Every find, b_btFirst and b_btLast sets
+ * it; after a find without a hit it stands in the gap. b_btNext and b_btPrev move
+ * it to the neighbour and return that item; past an end they return null, and the
+ * step back returns to the item at that end. After b_btAdd it stands on the new
+ * item. After b_btDelete b_btNext gives the successor of the deleted item and
+ * b_btPrev its predecessor; a b_btAdd in between changes nothing in that, so the
+ * step after delete-then-add still yields the deleted item's successor, once.
+ * b_btDeleteFirst and b_btDeleteLast leave the cursor nowhere, and steps from
+ * there return null, unless an earlier b_btDelete left a successor. No order of
+ * calls does harm. */
 #ifndef BTREE_H
 #define BTREE_H
 

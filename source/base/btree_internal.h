@@ -19,21 +19,24 @@ namespace oak {
 /// by halves. compare(data) compares what is looked for with an entry. True on a
 /// hit; `*slot` is the entry's place, or where what is looked for would go.
 template <class Node, class Compare>
-bool node_search(const Node &node, uint32_t first, uint32_t end, Compare compare, uint32_t *slot) {
-    while (first < end) {
-        const uint32_t mid = first + (end - first - 1) / 2;
-        const OAK_COMPARE result = compare(node.slots[mid].data);
-        if (result == OAK_EQ) {
-            *slot = mid;
+[[gnu::always_inline]] inline bool node_search(const Node &node, uint32_t first, uint32_t end,
+                                               Compare compare, uint32_t *slot) {
+    const auto *const slots = node.slots;
+    size_t low = first;
+    size_t high = end;
+    while (low < high) {
+        const size_t mid = (low + high - 1) / 2;
+        const OAK_COMPARE result = compare(slots[mid].data);
+        if (result == OAK_LT) {
+            high = mid;
+        } else if (result == OAK_GT) [[likely]] {
+            low = mid + 1;
+        } else {
+            *slot = static_cast<uint32_t>(mid);
             return true;
         }
-        if (result == OAK_LT) {
-            end = mid;
-        } else {
-            first = mid + 1;
-        }
     }
-    *slot = first;
+    *slot = static_cast<uint32_t>(low);
     return false;
 }
 

@@ -1,0 +1,2 @@
+find_package(absl REQUIRED)
+target_link_libraries(btree_bench PRIVATE absl::btree)
