@@ -93,7 +93,7 @@ static_assert(OAK_BCD_MAX_DIGITS % WORD_DIGITS == 0 && BCD_WORK_DIGITS % WORD_DI
 /// Writes the digits from data[1] on as words, zeros behind `prec` in the last one,
 /// and ors what odd digits they have into `odd`. Returns the count of words. A record
 /// has room for whole words, so the loads stay within it.
-int load_words(const BCD_OPERAND &operand, uint64_t *words, uint64_t *odd) {
+int load_words(const BcdOperand &operand, uint64_t *words, uint64_t *odd) {
     const uint8_t *digits = operand.data + 1;
     const int whole = operand.prec / WORD_DIGITS;
     for (int i = 0; i < whole; ++i, digits += WORD_DIGITS) {
@@ -108,12 +108,12 @@ int load_words(const BCD_OPERAND &operand, uint64_t *words, uint64_t *odd) {
     return whole + 1;
 }
 
-bool has_first_digit(const BCD_OPERAND &operand) {
+bool has_first_digit(const BcdOperand &operand) {
     return operand.prec > 0 && operand.data[0] == 0 && operand.data[1] != 0;
 }
 
 /// Whether an operand is normalized and has digits from 0 to 9 alone.
-bool is_clean(const BCD_OPERAND &operand) {
+bool is_clean(const BcdOperand &operand) {
     uint64_t words[WORK_WORDS];
     uint64_t odd = 0;
     load_words(operand, words, &odd);
@@ -123,7 +123,7 @@ bool is_clean(const BCD_OPERAND &operand) {
 // ---- Order -------------------------------------------------------------------
 
 /// Two operands of one exponent without a carry.
-int compare_words(const BCD_OPERAND &l, const BCD_OPERAND &r) {
+int compare_words(const BcdOperand &l, const BcdOperand &r) {
     if (l.prec >= WORD_DIGITS && r.prec >= WORD_DIGITS) { // which nearly always decides
         const uint64_t left = load_word(l.data + 1);
         const uint64_t right = load_word(r.data + 1);
@@ -142,13 +142,13 @@ int compare_words(const BCD_OPERAND &l, const BCD_OPERAND &r) {
 }
 
 /// The digit at an index of an operand, 0 outside of it.
-int digit_at(const BCD_OPERAND &operand, int index) {
+int digit_at(const BcdOperand &operand, int index) {
     return index >= 0 && index <= operand.prec ? operand.data[index] : 0;
 }
 
 /// Place by place from one before the longer integer part, which takes in the
 /// carry slots, to the end of the longer fraction.
-int compare_places(const BCD_OPERAND &l, const BCD_OPERAND &r) {
+int compare_places(const BcdOperand &l, const BcdOperand &r) {
     const int exp = std::max(l.exp, r.exp);
     const int last = exp + std::max(l.prec - l.exp, r.prec - r.exp);
     for (int place = 0; place <= last; ++place) {
@@ -164,11 +164,11 @@ int compare_places(const BCD_OPERAND &l, const BCD_OPERAND &r) {
 
 /// How two operands lie under each other: digit i of one stands at place
 /// i + (exp - operand.exp) of 0 to `prec`.
-struct ALIGNMENT {
+struct Alignment {
     int exp;
     int prec;
 
-    ALIGNMENT(const BCD_OPERAND &l, const BCD_OPERAND &r)
+    Alignment(const BcdOperand &l, const BcdOperand &r)
         : exp(std::max(l.exp, r.exp)), prec(exp + std::max(l.prec - l.exp, r.prec - r.exp)) {}
 };
 
@@ -182,7 +182,7 @@ void end_words(DWORK_BCD *raw, int words) {
     std::fill_n(raw->words + words, DWORK_BCD::ZERO_WORDS, 0);
 }
 
-void prepare_raw(const ALIGNMENT &alignment, uint8_t flags, int8_t sign, DWORK_BCD *raw) {
+void prepare_raw(const Alignment &alignment, uint8_t flags, int8_t sign, DWORK_BCD *raw) {
     raw->prec = alignment.prec;
     raw->exp = alignment.exp;
     raw->flags = flags;
@@ -191,14 +191,14 @@ void prepare_raw(const ALIGNMENT &alignment, uint8_t flags, int8_t sign, DWORK_B
 
 /// Rows of words, place 1 first. They serve operands of proper digits with nothing
 /// in the carry slot; others make them improper.
-class WORD_ROWS {
+class WordRows {
   public:
-    const ALIGNMENT alignment;
+    const Alignment alignment;
     const int words;
     uint64_t left[DWORK_BCD::DIGIT_WORDS];
     uint64_t right[DWORK_BCD::DIGIT_WORDS];
 
-    WORD_ROWS(const BCD_OPERAND &l, const BCD_OPERAND &r)
+    WordRows(const BcdOperand &l, const BcdOperand &r)
         : alignment(l, r), words(words_for(alignment.prec)) {
         place(l, left);
         place(r, right);
@@ -214,7 +214,7 @@ class WORD_ROWS {
     }
 
   private:
-    void place(const BCD_OPERAND &operand, uint64_t *row) {
+    void place(const BcdOperand &operand, uint64_t *row) {
         odd_ |= operand.data[0];
         const int used = load_words(operand, row, &odd_);
         for (int i = used; i < words; ++i)
@@ -226,7 +226,7 @@ class WORD_ROWS {
     uint64_t odd_ = 0;
 };
 
-void add_rows(const WORD_ROWS &rows, DWORK_BCD *sum) {
+void add_rows(const WordRows &rows, DWORK_BCD *sum) {
     uint64_t carry = 0;
     for (int i = rows.words - 1; i >= 0; --i)
         sum->words[i] = add_words(rows.left[i], rows.right[i], &carry);
@@ -235,7 +235,7 @@ void add_rows(const WORD_ROWS &rows, DWORK_BCD *sum) {
 }
 
 /// Subtracts the smaller row from the larger.
-void subtract_rows(const WORD_ROWS &rows, bool from_right, DWORK_BCD *difference) {
+void subtract_rows(const WordRows &rows, bool from_right, DWORK_BCD *difference) {
     const uint64_t *larger = from_right ? rows.right : rows.left;
     const uint64_t *smaller = from_right ? rows.left : rows.right;
     uint64_t borrow = 0;
@@ -248,18 +248,18 @@ void subtract_rows(const WORD_ROWS &rows, bool from_right, DWORK_BCD *difference
 // ---- The same a digit at a time --------------------------------------------------
 
 /// Rows of digits, place 0 first, for all other operands.
-struct DIGIT_ROWS {
+struct DigitRows {
     const int prec;
     uint8_t left[ROW_DIGITS + 1] = {};
     uint8_t right[ROW_DIGITS + 1] = {};
 
-    DIGIT_ROWS(const BCD_OPERAND &l, const BCD_OPERAND &r) : prec(ALIGNMENT(l, r).prec) {
-        place(l, ALIGNMENT(l, r).exp - l.exp, left);
-        place(r, ALIGNMENT(l, r).exp - r.exp, right);
+    DigitRows(const BcdOperand &l, const BcdOperand &r) : prec(Alignment(l, r).prec) {
+        place(l, Alignment(l, r).exp - l.exp, left);
+        place(r, Alignment(l, r).exp - r.exp, right);
     }
 
   private:
-    static void place(const BCD_OPERAND &operand, int offset, uint8_t *row) {
+    static void place(const BcdOperand &operand, int offset, uint8_t *row) {
         memcpy(row + offset, operand.data, static_cast<size_t>(operand.prec) + 1);
     }
 };
@@ -274,7 +274,7 @@ void take_digits(const uint8_t *digits, DWORK_BCD *raw) {
 }
 
 /// A sum gives its tenth to the place before it.
-void add_each_digit(const DIGIT_ROWS &rows, DWORK_BCD *sum) {
+void add_each_digit(const DigitRows &rows, DWORK_BCD *sum) {
     uint8_t digits[ROW_DIGITS + 1] = {};
     int carry = 0;
     for (int i = rows.prec; i >= 1; --i) {
@@ -288,7 +288,7 @@ void add_each_digit(const DIGIT_ROWS &rows, DWORK_BCD *sum) {
 
 /// A place borrows one and never more, and a difference of 10 and more keeps its
 /// last digit alone.
-void subtract_each_digit(const DIGIT_ROWS &rows, DWORK_BCD *difference) {
+void subtract_each_digit(const DigitRows &rows, DWORK_BCD *difference) {
     constexpr int MANY_TENS = 1000; // so that no remainder is negative
     uint8_t digits[ROW_DIGITS + 1] = {};
     int borrow = 0;
@@ -301,7 +301,7 @@ void subtract_each_digit(const DIGIT_ROWS &rows, DWORK_BCD *difference) {
 }
 
 /// Rows of the schoolbook. The last carry of a row is not carried on.
-void multiply_each_digit(const BCD_OPERAND &l, const BCD_OPERAND &r, DWORK_BCD *product) {
+void multiply_each_digit(const BcdOperand &l, const BcdOperand &r, DWORK_BCD *product) {
     uint8_t work[2 * BCD_WORK_DIGITS + 1] = {};
     for (int i = l.prec; i >= 1; --i) {
         if (l.data[i] == 0)
@@ -320,12 +320,12 @@ void multiply_each_digit(const BCD_OPERAND &l, const BCD_OPERAND &r, DWORK_BCD *
 // ---- Products of limbs -------------------------------------------------------------
 
 /// The digits of an operand from data[1] on as limbs, zero-filled at the end.
-struct LIMBS {
+struct Limbs {
     uint64_t limb[WORK_WORDS];
     int count;
     bool proper;
 
-    explicit LIMBS(const BCD_OPERAND &operand) {
+    explicit Limbs(const BcdOperand &operand) {
         uint64_t odd = 0;
         count = load_words(operand, limb, &odd);
         proper = odd == 0;
@@ -336,7 +336,7 @@ struct LIMBS {
 
 /// The digits of l times those of r. A column is a sum of at most five products
 /// below 10^16 and a carry, which 64 bits hold.
-void multiply_limbs(const LIMBS &l, const LIMBS &r, DWORK_BCD *product) {
+void multiply_limbs(const Limbs &l, const Limbs &r, DWORK_BCD *product) {
     uint64_t column[2 * WORK_WORDS] = {};
     for (int i = 0; i < l.count; ++i)
         for (int j = 0; j < r.count; ++j)
@@ -354,10 +354,10 @@ void multiply_limbs(const LIMBS &l, const LIMBS &r, DWORK_BCD *product) {
 
 // ---- The reciprocal ------------------------------------------------------------------
 
-using bcd_fixed::FIXED;
+using bcd_fixed::Fixed;
 
 /// The seed for the first two digits of a divisor.
-FIXED seed_for(const WORK_BCD &divisor) {
+Fixed seed_for(const WORK_BCD &divisor) {
     const X0_LOOKUP &row =
         x0_start[static_cast<size_t>(divisor.data[1] * 10 + divisor.data[2] - SEED_FIRST)];
     uint64_t tenth[WORK_WORDS] = {};
@@ -367,14 +367,14 @@ FIXED seed_for(const WORK_BCD &divisor) {
     return bcd_fixed::ten_times(bcd_fixed::fraction_of(tenth));
 }
 
-FIXED fraction_of(const WORK_BCD &work) {
-    LIMBS limbs(&work);
+Fixed fraction_of(const WORK_BCD &work) {
+    Limbs limbs(&work);
     std::fill(limbs.limb + limbs.count, std::end(limbs.limb), 0);
     return bcd_fixed::fraction_of(limbs.limb);
 }
 
-/// A FIXED as raw digits, its point behind the first eight.
-void take_fixed(const FIXED &number, DWORK_BCD *raw) {
+/// A Fixed as raw digits, its point behind the first eight.
+void take_fixed(const Fixed &number, DWORK_BCD *raw) {
     raw->prec = bcd_fixed::FIXED_LIMBS * WORD_DIGITS;
     raw->exp = WORD_DIGITS;
     raw->carry = 0;
@@ -389,27 +389,27 @@ void take_fixed(const FIXED &number, DWORK_BCD *raw) {
 /// since trimming it counts digits. `flags` are those of a, which x takes over
 /// with the first sum; any but BCD_FLAG_PRECISION end the loop there.
 ///
-/// It ends. x * a is at most 1 after the first sum, but for the last of its 40
-/// digits, so from there x never falls, is bounded by 1 / a and its last digit,
-/// and has a last digit to rise by. It ends fast: the seed errs by less than 1
-/// in 20 and each step squares the error, which is below 10^-40 after six; the
-/// bound on the loop is for what no proof foresees.
-FIXED newton_reciprocal(const WORK_BCD &divisor, uint8_t *flags) {
+/// It ends. After the first sum x * a exceeds 1 by less than a last digit, which the
+/// cut takes away, so from there x never falls; it cannot pass 1 / a by more than a
+/// last digit either, and can only rise by whole ones. It ends fast: the seed errs by
+/// less than 1 in 20 and each step squares the error, which is below 10^-40 after
+/// six. The bound on the loop is a promise to the reader.
+Fixed newton_reciprocal(const WORK_BCD &divisor, uint8_t *flags) {
     using namespace bcd_fixed;
     constexpr int STEPS_MAX = 64;
-    const FIXED a = ::fraction_of(divisor);
-    FIXED sum = seed_for(divisor);
-    FIXED x = sum;
+    const Fixed a = ::fraction_of(divisor);
+    Fixed sum = seed_for(divisor);
+    Fixed x = sum;
     *flags = 0;
     for (int step = 0; step < STEPS_MAX && (*flags & ~BCD_FLAG_PRECISION) == 0; ++step) {
-        const FIXED product = cut_to_40_digits(multiply(x, a));
+        const Fixed product = cut_to_40_digits(multiply(x, a));
         if (product == ONE)
             break;
         const bool too_large = is_below(ONE, product);
-        const FIXED error = too_large ? subtract(product, ONE) : subtract(ONE, product);
-        const FIXED change = multiply(x, error);
-        const FIXED next_sum = too_large ? subtract(x, change) : add(x, change);
-        const FIXED next = cut_to_40_digits(next_sum);
+        const Fixed error = too_large ? subtract(product, ONE) : subtract(ONE, product);
+        const Fixed change = multiply(x, error);
+        const Fixed next_sum = too_large ? subtract(x, change) : add(x, change);
+        const Fixed next = cut_to_40_digits(next_sum);
         if (next == x)
             break;
         sum = next_sum;
@@ -439,11 +439,11 @@ int8_t opposite(int8_t sign) {
     return static_cast<int8_t>(-sign);
 }
 
-uint8_t joined_flags(const BCD_OPERAND &l, const BCD_OPERAND &r) {
+uint8_t joined_flags(const BcdOperand &l, const BcdOperand &r) {
     return static_cast<uint8_t>(l.flags | r.flags);
 }
 
-bool either_is_fatal(const BCD_OPERAND &l, const BCD_OPERAND &r) {
+bool either_is_fatal(const BcdOperand &l, const BcdOperand &r) {
     return l.is_fatal() || r.is_fatal();
 }
 
@@ -462,8 +462,8 @@ void increment_digit(uint8_t *data, int index) {
 }
 
 /// An operand of a record that may be none: digits past the record do not exist.
-BCD_OPERAND bounded_operand(const OAK_BCD_T *bcd) {
-    BCD_OPERAND operand(bcd);
+BcdOperand bounded_operand(const OAK_BCD_T *bcd) {
+    BcdOperand operand(bcd);
     operand.prec = std::min(operand.prec, BCD_DIGITS);
     return operand;
 }
@@ -477,17 +477,17 @@ bool is_zero_shape(const OAK_BCD_T &bcd) {
 
 /// The first and the last digit that is not 0, from 0 for the carry to `prec`; for a
 /// zero the first is behind the last.
-struct RAW_SPAN {
+struct RawSpan {
     int first;
     int last;
 };
 
-RAW_SPAN find_span(const DWORK_BCD &work) {
+RawSpan find_span(const DWORK_BCD &work) {
     int end = words_for(work.prec);
     while (end > 0 && work.words[end - 1] == 0)
         --end;
     if (end == 0)
-        return work.carry != 0 ? RAW_SPAN{0, 0} : RAW_SPAN{1, 0};
+        return work.carry != 0 ? RawSpan{0, 0} : RawSpan{1, 0};
     const int last = end * WORD_DIGITS - trailing_zero_digits(work.words[end - 1]);
     if (work.carry != 0)
         return {0, last};
@@ -501,13 +501,13 @@ RAW_SPAN find_span(const DWORK_BCD &work) {
 void copy_raw_digits(const DWORK_BCD &work, int first, WORK_BCD *res) {
     const int skipped = first - 1; // -1 where the carry becomes the first digit
     const int from = skipped & (WORD_DIGITS - 1);
-    const uint64_t *next = work.words + (skipped - from) / WORD_DIGITS;
-    uint64_t word = skipped < 0 ? work.carry : *next;
+    int source = (skipped - from) / WORD_DIGITS;
+    uint64_t word = source < 0 ? work.carry : work.words[source];
     res->data[0] = 0;
     for (int i = 1; i <= BCD_WORK_DIGITS; i += WORD_DIGITS) {
-        ++next;
-        store_word(res->data + i, digits_across(word, *next, from));
-        word = *next;
+        const uint64_t next = work.words[++source];
+        store_word(res->data + i, digits_across(word, next, from));
+        word = next;
     }
 }
 
@@ -541,8 +541,7 @@ bool rounds_up(const WORK_BCD &work, int keep, OAK_BCD_ROUNDING_MODE mode) {
 
 void drop_digits(WORK_BCD *work, int keep, OAK_BCD_ROUNDING_MODE mode) {
     const bool up = rounds_up(*work, keep, mode);
-    memset(work->data + keep + 1, 0, static_cast<size_t>(work->prec - keep));
-    work->prec = static_cast<uint8_t>(keep);
+    work_set_digits_in_use(work, keep);
     work->flags |= BCD_FLAG_PRECISION;
     if (up)
         increment_digit(work->data, keep);
@@ -680,12 +679,12 @@ OAK_RETCODE bcd_from_native(uint32_t value, OAK_BCD_T *bcd) {
     return bcd_from_native(uint64_t{value}, bcd);
 }
 
-using BINARY_OPERATION = OAK_RETCODE (*)(const OAK_BCD_T *, const OAK_BCD_T *,
-                                         OAK_BCD_ROUNDING_MODE, OAK_BCD_T *);
+using BinaryOperation = OAK_RETCODE (*)(const OAK_BCD_T *, const OAK_BCD_T *, OAK_BCD_ROUNDING_MODE,
+                                        OAK_BCD_T *);
 
 /// An operation with a native number on one side. An error of its conversion is
 /// returned as it stands; a loss of precision there does not stop the operation.
-template <BINARY_OPERATION operation, typename Native>
+template <BinaryOperation operation, typename Native>
 OAK_RETCODE native_on_right(const OAK_BCD_T *l, Native r, OAK_BCD_ROUNDING_MODE mode,
                             OAK_BCD_T *res) {
     OAK_BCD_T right;
@@ -693,7 +692,7 @@ OAK_RETCODE native_on_right(const OAK_BCD_T *l, Native r, OAK_BCD_ROUNDING_MODE 
     return rc < sOKAY ? rc : operation(l, &right, mode, res);
 }
 
-template <BINARY_OPERATION operation, typename Native>
+template <BinaryOperation operation, typename Native>
 OAK_RETCODE native_on_left(Native l, const OAK_BCD_T *r, OAK_BCD_ROUNDING_MODE mode,
                            OAK_BCD_T *res) {
     OAK_BCD_T left;
@@ -748,6 +747,12 @@ void bcd_set_digits_in_use(OAK_BCD_T *bcd, int count) {
     memset(bcd->data + 1 + count, 0, static_cast<size_t>(BCD_DIGITS - count));
 }
 
+void work_set_digits_in_use(WORK_BCD *work, int count) {
+    count = std::clamp(count, 0, BCD_WORK_DIGITS);
+    work->prec = static_cast<uint8_t>(count);
+    memset(work->data + 1 + count, 0, static_cast<size_t>(BCD_WORK_DIGITS - count));
+}
+
 void bcd_set_zero(OAK_BCD_T *bcd, int flags) {
     *bcd = OAK_BCD_T{};
     bcd->sign = 1;
@@ -761,7 +766,7 @@ void work_set_zero(WORK_BCD *work, int flags) {
 }
 
 void normalize_res(const DWORK_BCD *work, WORK_BCD *res) {
-    const RAW_SPAN span = find_span(*work);
+    const RawSpan span = find_span(*work);
     const uint8_t flags = work->flags;
     if (span.first > span.last)
         return work_set_zero(res, flags);
@@ -798,13 +803,11 @@ void normalize_work(WORK_BCD *res) {
     const int exp = res->exp + 1 - lead;
     if (exp > count)
         return work_set_zero(res, res->flags | BCD_FLAG_OVERFLOW);
-    if (lead != 1) {
+    if (lead != 1)
         memmove(res->data + 1, res->data + lead, static_cast<size_t>(count));
-        res->data[0] = 0;
-        memset(res->data + 1 + count, 0, static_cast<size_t>(BCD_WORK_DIGITS - count));
-    }
-    res->prec = static_cast<uint8_t>(count);
+    res->data[0] = 0;
     res->exp = static_cast<int8_t>(exp);
+    work_set_digits_in_use(res, count);
 }
 
 OAK_RETCODE assign_result(WORK_BCD *work, OAK_BCD_ROUNDING_MODE mode, OAK_BCD_T *result) {
@@ -824,7 +827,7 @@ OAK_RETCODE assign_result(WORK_BCD *work, OAK_BCD_ROUNDING_MODE mode, OAK_BCD_T 
 
 // ---- Digits --------------------------------------------------------------------------
 
-int ucompare(const BCD_OPERAND &l, const BCD_OPERAND &r) {
+int ucompare(const BcdOperand &l, const BcdOperand &r) {
     if (l.data == r.data)
         return 0;
     if (!has_first_digit(l) || !has_first_digit(r))
@@ -834,19 +837,19 @@ int ucompare(const BCD_OPERAND &l, const BCD_OPERAND &r) {
     return compare_words(l, r);
 }
 
-void add_digits(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
+void add_digits(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res) {
     DWORK_BCD sum;
-    const WORD_ROWS rows(l, r);
+    const WordRows rows(l, r);
     prepare_raw(rows.alignment, joined_flags(l, r), l.sign, &sum);
     if (rows.are_proper())
         add_rows(rows, &sum);
     else
-        add_each_digit(DIGIT_ROWS(l, r), &sum);
+        add_each_digit(DigitRows(l, r), &sum);
     normalize_res(&sum, res);
 }
 
-void sub_digits(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
-    const WORD_ROWS rows(l, r);
+void sub_digits(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res) {
+    const WordRows rows(l, r);
     const int order = rows.are_proper() ? rows.compare() : ucompare(l, r);
     if (order == 0)
         return work_set_zero(res, joined_flags(l, r));
@@ -857,20 +860,20 @@ void sub_digits(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
     if (rows.are_proper())
         subtract_rows(rows, from_right, &difference);
     else
-        subtract_each_digit(from_right ? DIGIT_ROWS(r, l) : DIGIT_ROWS(l, r), &difference);
+        subtract_each_digit(from_right ? DigitRows(r, l) : DigitRows(l, r), &difference);
     normalize_res(&difference, res);
 }
 
 // ---- Operations on work values ---------------------------------------------------------
 
-void work_copy(const BCD_OPERAND &src, WORK_BCD *res) {
+void work_copy(const BcdOperand &src, WORK_BCD *res) {
     WORK_BCD copy{
         static_cast<uint8_t>(src.prec), static_cast<int8_t>(src.exp), src.flags, src.sign, {}};
     memcpy(copy.data, src.data, static_cast<size_t>(src.prec) + 1);
     *res = copy;
 }
 
-void work_clean_copy(const BCD_OPERAND &src, WORK_BCD *res) {
+void work_clean_copy(const BcdOperand &src, WORK_BCD *res) {
     if (is_clean(src))
         return work_copy(src, res);
     // The last places first; whatever the digits are, their surplus needs at most
@@ -895,19 +898,19 @@ void work_clean_copy(const BCD_OPERAND &src, WORK_BCD *res) {
     memcpy(res->data + 1, digits + first, static_cast<size_t>(count));
 }
 
-void work_add(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
+void work_add(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res) {
     if (either_is_fatal(l, r))
         return work_set_zero(res, joined_flags(l, r));
     l.sign == r.sign ? add_digits(l, r, res) : sub_digits(l, r, res);
 }
 
-void work_sub(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
+void work_sub(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res) {
     if (either_is_fatal(l, r))
         return work_set_zero(res, joined_flags(l, r));
     l.sign == r.sign ? sub_digits(l, r, res) : add_digits(l, r, res);
 }
 
-void work_mult(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
+void work_mult(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res) {
     if (either_is_fatal(l, r) || l.prec == 0 || r.prec == 0)
         return work_set_zero(res, joined_flags(l, r));
     DWORK_BCD product;
@@ -915,8 +918,8 @@ void work_mult(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
     product.exp = l.exp + r.exp;
     product.flags = joined_flags(l, r);
     product.sign = sign_product(l.sign, r.sign);
-    const LIMBS left(l);
-    const LIMBS right(r);
+    const Limbs left(l);
+    const Limbs right(r);
     if (left.proper && right.proper)
         multiply_limbs(left, right, &product);
     else
@@ -924,7 +927,7 @@ void work_mult(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
     normalize_res(&product, res);
 }
 
-void work_reciprocal(const BCD_OPERAND &bcd, WORK_BCD *res) {
+void work_reciprocal(const BcdOperand &bcd, WORK_BCD *res) {
     if (bcd.is_fatal())
         return work_set_zero(res, bcd.flags);
     WORK_BCD divisor;
@@ -938,10 +941,10 @@ void work_reciprocal(const BCD_OPERAND &bcd, WORK_BCD *res) {
     res->exp = static_cast<int8_t>(res->exp - divisor.exp);
     // Digits before the point are kept in every value: 1 / 0.0125 is 80.
     if (res->exp > res->prec)
-        res->prec = static_cast<uint8_t>(std::min<int>(res->exp, BCD_WORK_DIGITS));
+        work_set_digits_in_use(res, res->exp);
 }
 
-void work_div(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res) {
+void work_div(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res) {
     if (either_is_fatal(l, r))
         return work_set_zero(res, joined_flags(l, r));
     WORK_BCD reciprocal;

@@ -24,7 +24,8 @@
  *   sOKAY        done
  *   eINVNULLARG  a required pointer is null; nothing was written
  *   eINVBCD      an operand's `prec` is above 32 or its `exp` outside -40 to
- *                40: it is no decimal. The result, or number, is zero.
+ *                40: it is no decimal. The result, number or packed form is
+ *                zero; no text is written.
  * Arithmetic ends in the status of the result's conditions, the first of:
  *   eNOMEMORY      an operand carries BCD_FLAG_NOMEM; the result is untouched
  *   eDIVBY0        division by zero; the result is zero
@@ -53,8 +54,8 @@ OAK_API uint8_t oak_bcdMaxscale(void);
  * data[0] to data[prec] above 9. `exp`, `sign` and `flags` are not looked at. */
 OAK_API OAK_RETCODE oak_bcdValidate(const OAK_BCD_T *bcd);
 
-/* Copies the digits in use and clears the rest of `dest`. A record whose `prec`
- * is above 32 is copied as it stands. */
+/* Copies the digits in use and clears the rest of `dest`; neither may be null. A record whose
+ * `prec` is above 32 is copied as it stands. */
 OAK_API void oak_bcdCopy(const OAK_BCD_T *src, OAK_BCD_T *dest);
 
 /* ---- Arithmetic -------------------------------------------------------- */
@@ -109,6 +110,8 @@ OAK_BCD_NATIVE_TYPES(OAK_BCD_NATIVE_FORMS)
 
 /* ---- Signs, integers and order ----------------------------------------- */
 
+/* The first three take no null. */
+
 /* 0 for a zero, else the sign, +1 or -1. */
 OAK_API int16_t oak_bcdSign(const OAK_BCD_T *bcd);
 
@@ -130,9 +133,11 @@ OAK_API OAK_RETCODE oak_bcdCeiling(const OAK_BCD_T *operand, OAK_BCD_T *result);
 OAK_API OAK_RETCODE oak_bcdFloor(const OAK_BCD_T *operand, OAK_BCD_T *result);
 
 /* Rounds to an integer, ties away from zero, without a carry: 9.5 leaves a
- * single digit of value 10, which arithmetic, division, text and the packed
- * form take for ten and oak_bcdValidate refuses. A magnitude below 0.1 rounds
- * to 1, not to 0, and keeps its sign. */
+ * single digit of value 10. Sums, products, quotients, text, numbers and the
+ * packed form take it for ten; a difference keeps the last digit of a place
+ * alone, so that 10 - 0 is 0; comparison sees a digit above 9 but below 10; and
+ * oak_bcdValidate refuses it. A magnitude below 0.1 rounds to 1, not to 0, and
+ * keeps its sign. */
 OAK_API OAK_RETCODE oak_bcdRound(const OAK_BCD_T *operand, OAK_BCD_T *result);
 
 /* ---- Fitting to a column ----------------------------------------------- */

@@ -51,16 +51,16 @@ struct DWORK_BCD {
 
 /// An operand: a public or a work value, read in place. It converts from a
 /// pointer to either, so that work_add(&x, &c_1, &x) takes both.
-struct BCD_OPERAND {
+struct BcdOperand {
     const uint8_t *data;
     int prec;
     int exp;
     uint8_t flags;
     int8_t sign;
 
-    BCD_OPERAND(const OAK_BCD_T *b)
+    BcdOperand(const OAK_BCD_T *b)
         : data(b->data), prec(b->prec), exp(b->exp), flags(b->flags), sign(b->sign) {}
-    BCD_OPERAND(const WORK_BCD *w)
+    BcdOperand(const WORK_BCD *w)
         : data(w->data), prec(w->prec), exp(w->exp), flags(w->flags), sign(w->sign) {}
 
     bool is_fatal() const { return (flags & BCD_FLAG_FATAL) != 0; }
@@ -95,6 +95,7 @@ bool bcd_is_decimal(const OAK_BCD_T *bcd);
 
 /// Sets the count of digits in use, cut to the record, and clears what is past it.
 void bcd_set_digits_in_use(OAK_BCD_T *bcd, int count);
+void work_set_digits_in_use(WORK_BCD *work, int count);
 
 /// The zero value: `prec`, `exp` and digits 0, sign +1, with these conditions.
 void bcd_set_zero(OAK_BCD_T *bcd, int flags = 0);
@@ -117,30 +118,30 @@ OAK_RETCODE assign_result(WORK_BCD *work, OAK_BCD_ROUNDING_MODE mode, OAK_BCD_T 
 // ---- Digits ---------------------------------------------------------------
 
 /// Orders magnitudes: -1, 0 or +1.
-int ucompare(const BCD_OPERAND &l, const BCD_OPERAND &r);
+int ucompare(const BcdOperand &l, const BcdOperand &r);
 
 /// |l| + |r| with the sign of l.
-void add_digits(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res);
+void add_digits(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res);
 /// |l| - |r| with the sign of l, or its opposite where |r| is larger.
-void sub_digits(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res);
+void sub_digits(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res);
 
 // ---- Operations on work values --------------------------------------------
 
 // An operand with a fatal condition gives zero with the conditions of both.
 
-void work_copy(const BCD_OPERAND &src, WORK_BCD *res);
-void work_add(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res);
-void work_sub(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res);
-void work_mult(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res);
+void work_copy(const BcdOperand &src, WORK_BCD *res);
+void work_add(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res);
+void work_sub(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res);
+void work_mult(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res);
 /// 1 / bcd, stable at 40 digits. A zero gives zero with BCD_FLAG_DIVBY0 alone.
-void work_reciprocal(const BCD_OPERAND &bcd, WORK_BCD *res);
+void work_reciprocal(const BcdOperand &bcd, WORK_BCD *res);
 /// l times the reciprocal of r.
-void work_div(const BCD_OPERAND &l, const BCD_OPERAND &r, WORK_BCD *res);
+void work_div(const BcdOperand &l, const BcdOperand &r, WORK_BCD *res);
 
 /// A copy with leading zeros shifted out and digits above 9 carried, so that
 /// every digit is one and the first is not 0; all-zero digits give `prec` 0 and
 /// keep their conditions. Trailing zeros stay.
-void work_clean_copy(const BCD_OPERAND &src, WORK_BCD *res);
+void work_clean_copy(const BcdOperand &src, WORK_BCD *res);
 
 // ---- Public records -------------------------------------------------------
 
@@ -156,12 +157,12 @@ void clean_copy(OAK_BCD_T *dst, const OAK_BCD_T *src);
 /// The integer digits of a decimal as an unsigned 64-bit number: eRANGE past
 /// `limit` (*magnitude then holds the low 64 bits), sPRECISIONLOSS for a
 /// dropped fraction.
-OAK_RETCODE bcd_integer_part(const BCD_OPERAND &b, uint64_t limit, uint64_t *magnitude);
+OAK_RETCODE bcd_integer_part(const BcdOperand &b, uint64_t limit, uint64_t *magnitude);
 
 // ---- The shape of a public operation --------------------------------------
 
 /// What every operation with two operands does around its work function.
-template <void (*work)(const BCD_OPERAND &, const BCD_OPERAND &, WORK_BCD *)>
+template <void (*work)(const BcdOperand &, const BcdOperand &, WORK_BCD *)>
 OAK_RETCODE bcd_binary_operation(const OAK_BCD_T *l, const OAK_BCD_T *r, OAK_BCD_ROUNDING_MODE mode,
                                  OAK_BCD_T *res) {
     if (l == nullptr || r == nullptr || res == nullptr)
@@ -176,7 +177,7 @@ OAK_RETCODE bcd_binary_operation(const OAK_BCD_T *l, const OAK_BCD_T *r, OAK_BCD
 }
 
 /// The same for one operand.
-template <void (*work)(const BCD_OPERAND &, WORK_BCD *)>
+template <void (*work)(const BcdOperand &, WORK_BCD *)>
 OAK_RETCODE bcd_unary_operation(const OAK_BCD_T *bcd, OAK_BCD_ROUNDING_MODE mode, OAK_BCD_T *res) {
     if (bcd == nullptr || res == nullptr)
         return eINVNULLARG;

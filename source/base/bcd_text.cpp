@@ -34,7 +34,7 @@ namespace {
 
 // ---- The parser's table -------------------------------------------------------
 
-enum RULE : int16_t {
+enum Rule : int16_t {
     RULE_NONE = 0,
     RULE_NEGATIVE = 1,
     RULE_POINT = 2,
@@ -125,7 +125,7 @@ int exp_in_eight_bits(int exp) {
 /// What the machine gathers. Digits fill data[1] to data[32] as they come, zeros
 /// right behind the point included; only leading zeros of the integer part do not
 /// count. `significant` is the place of the last digit that is not 0.
-struct DECIMAL_PARSER {
+struct DecimalParser {
     OAK_BCD_T *bcd;
     int next_slot = 1;
     int integer_count = 0;
@@ -258,11 +258,11 @@ char *put_exponent(char *out, int exponent) {
 }
 
 /// A value's text, finished and terminated.
-struct DECIMAL_TEXT {
+struct DecimalText {
     char text[TEXT_SIZE];
     size_t length;
 
-    DECIMAL_TEXT(const OAK_BCD_T &bcd, uint8_t scale, OAK_BOOL_T use_exponent) {
+    DecimalText(const OAK_BCD_T &bcd, uint8_t scale, OAK_BOOL_T use_exponent) {
         OAK_BCD_T clean;
         clean_copy(&clean, &bcd);
         int16_t start, int_digits, frac_digits, exponent;
@@ -355,13 +355,6 @@ OAK_RETCODE to_integer(const OAK_BCD_T *bcd, Integer *value) {
     return rc >= sOKAY && *value != wide ? eRANGE : rc;
 }
 
-OAK_RETCODE from_floating(double value, OAK_BCD_T *bcd) {
-    return oak_bcdFromDouble(value, bcd);
-}
-OAK_RETCODE from_floating(float value, OAK_BCD_T *bcd) {
-    return oak_bcdFromFloat(value, bcd);
-}
-
 /// A floating-point number is right when it turns back into the same decimal.
 template <typename Floating>
 OAK_RETCODE to_floating(const OAK_BCD_T *bcd, Floating *value) {
@@ -370,11 +363,11 @@ OAK_RETCODE to_floating(const OAK_BCD_T *bcd, Floating *value) {
         return bad;
     OAK_BCD_T copy;
     clean_copy(&copy, bcd);
-    const DECIMAL_TEXT decimal(copy, OAK_BCD_FREE_SCALE, OAK_FALSE);
+    const DecimalText decimal(copy, OAK_BCD_FREE_SCALE, OAK_FALSE);
     *value = static_cast<Floating>(osl_atof(decimal.text));
     OAK_BCD_T back;
     bcd_set_zero(&back);
-    OAK_IGNORE_STATUS(from_floating(*value, &back), "the comparison tells");
+    OAK_IGNORE_STATUS(oak_bcdFromDouble(*value, &back), "the comparison tells");
     return oak_bcdCompare(&copy, &back) == OAK_EQ ? sOKAY : eRANGE;
 }
 
@@ -395,7 +388,7 @@ bool fits_a_column(uint8_t prec, uint8_t scale) {
 
 // ---- What bcd_functions.cpp shares --------------------------------------------------
 
-OAK_RETCODE bcd_integer_part(const BCD_OPERAND &b, uint64_t limit, uint64_t *magnitude) {
+OAK_RETCODE bcd_integer_part(const BcdOperand &b, uint64_t limit, uint64_t *magnitude) {
     uint64_t value = 0;
     bool too_large = false;
     for (int i = 1; i <= b.exp; ++i) {
@@ -449,9 +442,7 @@ OAK_RETCODE oak_bcdFromDouble(double value, OAK_BCD_T *bcd) {
                                        std::chars_format::fixed, std::clamp(wanted, 0, BCD_DIGITS));
     *printed.ptr = '\0';
     const OAK_RETCODE rc = oak_bcdFromString(text, bcd);
-    if (rc != sOKAY)
-        return rc;
-    return wanted > BCD_DIGITS ? sPRECISIONLOSS : sOKAY;
+    return rc == sOKAY && wanted > BCD_DIGITS ? sPRECISIONLOSS : rc;
 }
 
 OAK_RETCODE oak_bcdFromFloat(float value, OAK_BCD_T *bcd) {
@@ -487,7 +478,7 @@ OAK_RETCODE oak_bcdFromString(const char *str, OAK_BCD_T *bcd) {
     if (str == nullptr || bcd == nullptr)
         return eINVNULLARG;
     bcd_set_zero(bcd);
-    DECIMAL_PARSER parser{bcd};
+    DecimalParser parser{bcd};
     OAK_IGNORE_STATUS(walkMachine(decimalMachine, str, parser), "no rule fails");
     return parser.finish();
 }
@@ -517,7 +508,7 @@ OAK_RETCODE oak_bcdFormatWithScale(const OAK_BCD_T *bcd, uint8_t scale, OAK_BOOL
         return eINVNULLARG;
     if (!bcd_is_decimal(bcd))
         return eINVBCD;
-    const DECIMAL_TEXT decimal(*bcd, scale, use_exponent);
+    const DecimalText decimal(*bcd, scale, use_exponent);
     return emitText(decimal.text, decimal.length, fcn, ctx);
 }
 
@@ -527,7 +518,7 @@ OAK_RETCODE oak_bcdToStringWithScale(const OAK_BCD_T *bcd, uint8_t scale, OAK_BO
         return eINVNULLARG;
     if (!bcd_is_decimal(bcd))
         return eINVBCD;
-    const DECIMAL_TEXT decimal(*bcd, scale, use_exponent);
+    const DecimalText decimal(*bcd, scale, use_exponent);
     const bool is_measured = str == nullptr || len == 0;
     if (is_measured && bytesOut != nullptr) {
         *bytesOut = decimal.length + 1;

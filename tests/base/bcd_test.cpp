@@ -807,10 +807,10 @@ TEST(DigitWords, MoveBackByAnyCount) {
     }
 }
 
-using bcd_fixed::FIXED;
+using bcd_fixed::Fixed;
 
 // 48 digits, eight before the point.
-std::string digits_of(const FIXED &number) {
+std::string digits_of(const Fixed &number) {
     uint64_t limbs[bcd_fixed::FIXED_LIMBS];
     bcd_fixed::limbs_of(number, limbs);
     std::string text;
@@ -822,7 +822,7 @@ std::string digits_of(const FIXED &number) {
     return text;
 }
 
-FIXED fixed_of(const std::string &forty_digits) {
+Fixed fixed_of(const std::string &forty_digits) {
     uint64_t limbs[bcd_fixed::FRACTION_LIMBS];
     for (size_t i = 0; i < bcd_fixed::FRACTION_LIMBS; ++i)
         limbs[i] = std::stoull(forty_digits.substr(8 * i, 8));
@@ -866,8 +866,8 @@ TEST(Fixed, ComesBackFromLimbs) {
 TEST(Fixed, ProductsAreCutToFortyPlaces) {
     Random random(13);
     for (int i = 0; i < 300; ++i) {
-        const FIXED a = bcd_fixed::ten_times(fixed_of(random_digits(random, 40)));
-        const FIXED b = fixed_of(random_digits(random, 40));
+        const Fixed a = bcd_fixed::ten_times(fixed_of(random_digits(random, 40)));
+        const Fixed b = fixed_of(random_digits(random, 40));
         EXPECT_EQ(digits_of(bcd_fixed::multiply(a, b)), product_of(digits_of(a), digits_of(b)));
         // Products without a remainder, where the quotient's fraction is next to one.
         EXPECT_EQ(bcd_fixed::multiply(a, bcd_fixed::ONE), a);
@@ -875,7 +875,7 @@ TEST(Fixed, ProductsAreCutToFortyPlaces) {
         EXPECT_EQ(bcd_fixed::multiply(b, bcd_fixed::TEN), bcd_fixed::ten_times(b));
         // And one short of that.
         if (i % 10 == 0) {
-            const FIXED less = bcd_fixed::subtract(bcd_fixed::ONE, FIXED{1, 0});
+            const Fixed less = bcd_fixed::subtract(bcd_fixed::ONE, Fixed{1, 0});
             EXPECT_EQ(digits_of(bcd_fixed::multiply(a, less)),
                       product_of(digits_of(a), digits_of(less)));
         }
@@ -885,10 +885,10 @@ TEST(Fixed, ProductsAreCutToFortyPlaces) {
 TEST(Fixed, CutsAPlaceForEachDigitBeforeThePoint) {
     Random random(14);
     for (int i = 0; i < 500; ++i) {
-        const FIXED fraction = fixed_of(random_digits(random, 40));
+        const Fixed fraction = fixed_of(random_digits(random, 40));
         EXPECT_EQ(bcd_fixed::cut_to_40_digits(fraction), fraction);
         for (const int integer : {1, 9, 10, 99}) {
-            FIXED number = fraction;
+            Fixed number = fraction;
             for (int k = 0; k < integer; ++k)
                 number = bcd_fixed::add(number, bcd_fixed::ONE);
             std::string expected = digits_of(number);
@@ -1173,6 +1173,17 @@ TEST(DecimalIntegers, ADigitOfTenCountsAsTen) {
     EXPECT_EQ(order(result, decimal("2.5")), OAK_EQ);
     EXPECT_EQ(oak_bcdDiv(&four, &ten, EVEN, &result), sPRECISIONLOSS);
     EXPECT_EQ(order(result, decimal("0.4")), OAK_EQ);
+}
+
+// A place of a difference keeps its last digit alone, and comparison sees one digit.
+TEST(DecimalIntegers, ADigitOfTenIsLostWhereNothingIsSubtractedFromIt) {
+    const OAK_BCD_T nine_and_half = decimal("9.5"), zero = decimal("0");
+    OAK_BCD_T ten, result;
+    ASSERT_EQ(oak_bcdRound(&nine_and_half, &ten), sOKAY);
+    EXPECT_EQ(oak_bcdSub(&ten, &zero, EVEN, &result), sOKAY);
+    EXPECT_EQ(show(result), show(zero));
+    EXPECT_EQ(order(ten, decimal("9.9")), OAK_GT);
+    EXPECT_EQ(order(ten, decimal("10")), OAK_LT);
 }
 
 TEST(DecimalIntegers, CarryConditionsOn) {
