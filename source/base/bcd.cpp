@@ -334,20 +334,19 @@ struct Limbs {
     }
 };
 
-/// The digits of l times those of r. A column is a sum of at most five products
-/// below 10^16 and a carry, which 64 bits hold.
+/// The digits of l times those of r, column by column from the last. A column is a sum
+/// of at most five products below 10^16 and a carry, which 64 bits hold.
 void multiply_limbs(const Limbs &l, const Limbs &r, DWORK_BCD *product) {
-    uint64_t column[2 * WORK_WORDS] = {};
-    for (int i = 0; i < l.count; ++i)
-        for (int j = 0; j < r.count; ++j)
-            column[i + j + 1] += l.limb[i] * r.limb[j];
     const int words = l.count + r.count;
-    uint64_t carry = 0;
-    for (int i = words - 1; i >= 0; --i) {
-        const uint64_t total = column[i] + carry;
-        carry = total / LIMB_BASE;
+    uint64_t total = 0;
+    for (int i = words - 1; i > 0; --i) {
+        const int last = std::min(i, l.count);
+        for (int k = std::max(i - r.count, 0); k < last; ++k)
+            total += l.limb[k] * r.limb[i - 1 - k];
         product->words[i] = word_of(total % LIMB_BASE);
+        total /= LIMB_BASE;
     }
+    product->words[0] = word_of(total);
     product->carry = 0;
     end_words(product, words);
 }
