@@ -504,7 +504,7 @@ inline int compare_names(const char *one, const char *other) {
 // ---- Layout ------------------------------------------------------------------
 
 /// Values laid one after another, each where its type's alignment allows. Offsets
-/// are reckoned in 64 bits, so that the sum of the longest columns does not wrap.
+/// are reckoned in 64 bits, so that no sum of long columns wraps.
 struct Layout {
     uint64_t end = 0;            // where the next value would begin, not aligned
     ALIGN_TYPE align = ALN_CHAR; // the highest of all

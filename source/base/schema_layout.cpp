@@ -7,8 +7,9 @@
 // the row buffer. Key buffers are laid out a first time when a key is finalized,
 // while column lengths may still be unknown, and again with the table.
 //
-// All offsets are reckoned in 64 bits and tested before they are stored: the
-// longest columns that a table can declare exceed 32 bits in sum.
+// Offsets are reckoned in 64 bits and the last one is tested before it is stored:
+// the longest columns that a table can declare come within a few bytes of 32 bits
+// in sum.
 #include "schema_layout.h"
 
 #include "schema.h"
