@@ -2,10 +2,11 @@
  *
  * Law: a drop is for a schema in the hands of one thread. It frees the object
  * and leaves no pointer to it inside the schema; handles that the caller keeps
- * are void. The indexes of what remains do not change. The index of names and
- * the lists of keys and of large objects are discarded and built again at their
- * next use. eINVNULLARG: a null object; eBADCAT: it belongs to the system table.
- * Nothing here allocates.
+ * are void. The indexes of what remains do not change, and no count falls below
+ * zero. Where a table, a column or a key goes, the index of names and the lists
+ * of keys and of large objects are discarded, and built again at their next use.
+ * eINVNULLARG: a null object; eBADCAT: it belongs to the system table. Nothing
+ * here allocates.
  *
  * A dropped column stays in its table as a record without a name, so that its
  * index stays taken; after the drop of a column the table must be finalized
