@@ -23,6 +23,10 @@ struct CNVCB {
     OAK_TIME_FORMAT time_format;
     int16_t tz_disp; // minutes east of UTC to assume
     OSL_MEMTAG mtag; // for allocations
+    // Bytes from one element to the next where they are not the type's own: the 4
+    // of an OAK_BOOL in an array, whose functions are those of a single byte; else 0.
+    uint32_t srcStride;
+    uint32_t dstStride;
 };
 
 using B_CNVFCN = OAK_RETCODE (*)(CNVCB *block);
