@@ -10,7 +10,8 @@
  * and read are constant time. 1,000 messages take no memory but their own. A
  * closed queue still takes writes and still delivers what it holds; then it
  * answers sBASE_QUEUE_CLOSED. A write or a close is never missed by a waiting
- * reader. There is no iteration.
+ * reader. One reader at a time looks or waits; the others stand behind it without
+ * limit, and their timeouts begin when it is their turn. There is no iteration.
  *
  *     typedef struct MY_MSG { B_QUEMSG_S link; int job; } MY_MSG;
  *     rc = b_queueWrite(&queue, &mine->link);
