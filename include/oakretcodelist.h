@@ -96,7 +96,7 @@
     X(eINVFCNARG, -10021, NULL, "The function was called with an argument that it does not accept") \
     X(eINVNULLARG, -10022, "HY009", "Function argument cannot be NULL") \
     X(eINVFCNSEQ, -10023, "HY010", "The function was called out of sequence") \
-    X(eINVLITERAL, -10024, "22005", "Invalid literal constant") \
+    X(eINVLITERAL, -10024, "22005", "Invalid literal constant specification") \
     X(eMISSINGLITERAL, -10025, NULL, "A literal constant is expected here") \
     X(eCIRTABDELETE, -10026, NULL, "The tables to delete from refer to each other in a circle") \
     X(eNOTNULL, -10027, "42000", "The column does not accept NULL") \
@@ -126,7 +126,7 @@
     X(eVALUEISLIST, -10051, NULL, "The key has a list of values where one value is expected") \
     X(eINVVARINT, -10052, NULL, "Invalid variable integer value") \
     X(eDATALOST, -10053, NULL, "Significant data lost due to truncation") \
-    X(eINVBINLITERAL, -10054, NULL, "Invalid binary literal") \
+    X(eINVBINLITERAL, -10054, NULL, "Invalid binary literal specification") \
     X(eTYPEMISMATCH, -10055, "42000", "Data type mismatch") \
     X(eROWIDRANGE, -10056, NULL, "The row id is outside the range of the table") \
     X(eROWIDMISMATCH, -10057, NULL, "The row id belongs to a row of another table") \

@@ -73,7 +73,7 @@ TEST(StatusTable, KeepsTheTextsThatProgramsRelyOn) {
         texts[row.name] = row.descr;
     }
     const std::vector<std::string> lines = oaktest::golden_lines("retcode_texts.txt");
-    EXPECT_GE(lines.size(), 59u);
+    EXPECT_EQ(lines.size(), 61u);
     for (const std::string &line : lines) {
         const size_t bar = line.find('|');
         const std::string name = line.substr(0, bar);
