@@ -184,9 +184,11 @@ TEST(CompactRow, StopsBehindItsEndMarkAndIgnoresPadding) {
 TEST(CompactRow, TakesOneAllocation) {
     const oaktest::Catalog catalog(three_ints());
     RowBench row(catalog.table("t"));
+    row.load(oaktest::unhex("000003000201800100"));
     row_free(&row.row_);
     const uint64_t before = row.tag_.live();
-    ASSERT_EQ(row.unpack_compact("000003000201800100"), sOKAY);
+    ASSERT_EQ(row_unpack_compact(&row.row_, row.decoder_, 1, row.ti_, row.tag_, nullptr, nullptr),
+              sOKAY);
     if (oaktest::faults_are_injected()) {
         EXPECT_EQ(row.tag_.live(), before + 1);
     }
@@ -618,6 +620,7 @@ TEST(RowForms, ReportMisuseUnderTheirOwnNames) {
 class RowOfDatabase : public testing::Test {
   protected:
     void SetUp() override {
+        pool_tag_.may_keep_blocks(); // the pool's own
         ASSERT_EQ(osl_poolCreateEx(pool_tag_, OSL_POOL_FIXED_SIZE, 0, nullptr, nullptr, nullptr,
                                    &dbi_.bufferPool),
                   sOKAY);
@@ -628,7 +631,6 @@ class RowOfDatabase : public testing::Test {
 };
 
 TEST_F(RowOfDatabase, KeepsItsStreamWhereTheDatabaseSaysSo) {
-    pool_tag_.may_keep_blocks(); // the pool keeps its records
     RowBench row(catalog_.table("t"), &dbi_);
     ASSERT_EQ(row.unpack_compact("000003000201800100"), sOKAY);
     EXPECT_EQ(row.row_.format, OAK_ROW_FORMAT_COMPACT);
@@ -661,18 +663,20 @@ TEST_F(RowOfDatabase, ReportsMemoryThatEndsUnderTheNamesOfItsSteps) {
         GTEST_SKIP() << "needs fault injection";
     }
 #ifdef OSL_FAULT_INJECTION
-    pool_tag_.may_keep_blocks();
     Reported error(nullptr);
     RowBench row(catalog_.table("t"), &dbi_, error.handle);
+    const auto unpack = [&] {
+        return row_unpack_compact(&row.row_, row.decoder_, 1, row.ti_, row.tag_, error.handle,
+                                  &dbi_);
+    };
+    row.load(oaktest::unhex("000000"));
+    row_free(&row.row_);
     osl_faultArm(OSL_FAULT_MEMORY, 1, OAK_FALSE);
-    EXPECT_EQ(row.unpack_compact("000000"), eNOMEMORY);
+    EXPECT_EQ(unpack(), eNOMEMORY);
     osl_faultDisarm(OSL_FAULT_MEMORY);
     EXPECT_EQ(error.last(), std::to_string(eNOMEMORY) + " row_compact_init_buffer");
-    row.load(oaktest::unhex("000000"));
     osl_faultArm(OSL_FAULT_MEMORY, 2, OAK_FALSE);
-    EXPECT_EQ(
-        row_unpack_compact(&row.row_, row.decoder_, 1, row.ti_, row.tag_, error.handle, &dbi_),
-        eNOMEMORY);
+    EXPECT_EQ(unpack(), eNOMEMORY);
     osl_faultDisarm(OSL_FAULT_MEMORY);
     EXPECT_EQ(error.last(), std::to_string(eNOMEMORY) + " row_unpack_compact_compact");
     row.row_ = OAK_ROW{};
