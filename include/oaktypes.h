@@ -145,8 +145,10 @@ typedef enum VAL_STATUS OAK_INT32_ENUM {
     vsERROR = 8     /* vt.err holds an error code */
 } VAL_STATUS;
 
-/* The payload. Every member starts at the union's start. */
+/* The payload. Every member starts at the union's start; the first is as wide as
+ * the union, so that an initialiser {} clears all of it. */
 typedef union OAK_COLUMN {
+    uint64_t u64v;
     OAK_RETCODE err;
     OAK_BOOL_T bv;
     int8_t i8v;
@@ -156,7 +158,6 @@ typedef union OAK_COLUMN {
     int32_t i32v;
     uint32_t u32v;
     int64_t i64v;
-    uint64_t u64v;
     OAK_ROWID_T ridv;
     float fv;
     double dv;
