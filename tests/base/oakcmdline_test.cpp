@@ -2,6 +2,7 @@
 // byte, the standard options, and command lines that nobody would write.
 #include <climits>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -56,6 +57,7 @@ struct Outcome {
     std::string err;
     Strings seen; // "row" for a flag, "row:value" for the rest, in the program's pass
     OAK_CMDLINE_STATUS_A status{};
+    std::shared_ptr<const Strings> args; // what the status points into
 };
 
 struct Utility {
@@ -79,11 +81,12 @@ std::optional<std::string> next(OAK_CMDLINE_A *cmd, bool by_long_name, const cha
 }
 
 Outcome Utility::run(const Strings &args) const {
+    Outcome outcome;
+    outcome.args = std::make_shared<const Strings>(args);
     std::vector<const char *> argv = {program.c_str()};
-    for (const std::string &arg : args) {
+    for (const std::string &arg : *outcome.args) {
         argv.push_back(arg.c_str());
     }
-    Outcome outcome;
     OAK_CMDLINE_A cmd;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
