@@ -443,7 +443,7 @@ GETTER_OF(const OAK_VALUE *, sch_dom_def, SCH_DOMAIN_INFO_C, &object->def)
 GETTER(const char *, sch_dom_defstr, SCH_DOMAIN_INFO_C, defstr)
 GETTER(const char *, sch_dom_format, SCH_DOMAIN_INFO_C, format)
 GETTER(uint16_t, sch_dom_width, SCH_DOMAIN_INFO_C, width)
-GETTER_OF(SCH_TYPE_INFO, sch_dom_type, SCH_DOMAIN_INFO, &object->type)
+GETTER_OF(SCH_TYPE_INFO, sch_dom_type, SCH_DOMAIN_INFO_C, &own_handle(object)->type)
 GETTER_OF(SCH_TYPE_INFO_C, sch_dom_type_c, SCH_DOMAIN_INFO_C, &object->type)
 GETTER(OAK_TYPE, sch_dom_data_type, SCH_DOMAIN_INFO_C, type.type)
 GETTER(const char *, sch_dom_check_str, SCH_DOMAIN_INFO_C, type.check_str)
@@ -581,7 +581,7 @@ GETTER_OF(OAK_TBL_INDEX, sch_col_tbl_ndx, SCH_COL_INFO_C, index_or_none(object->
 GETTER(SCH_TBL_INFO, sch_col_table, SCH_COL_INFO_C, table)
 GETTER(const char *, sch_col_name, SCH_COL_INFO_C, name)
 GETTER(SCH_DOMAIN_INFO, sch_col_domain, SCH_COL_INFO_C, domain)
-GETTER_OF(SCH_TYPE_INFO, sch_col_type, SCH_COL_INFO, effective_type(object))
+GETTER_OF(SCH_TYPE_INFO, sch_col_type, SCH_COL_INFO_C, effective_type(own_handle(object)))
 GETTER_OF(SCH_TYPE_INFO_C, sch_col_type_c, SCH_COL_INFO_C, effective_type(object))
 GETTER_OF(OAK_TYPE, sch_col_data_type, SCH_COL_INFO_C, effective_type(object)->type)
 GETTER_OF(const char *, sch_col_data_type_text, SCH_COL_INFO_C,
@@ -782,7 +782,7 @@ GETTER(OAK_COL_INDEX, sch_key_num_elems, SCH_KEY_INFO_C, num_elems)
 GETTER(uint32_t, sch_key_byte_len, SCH_KEY_INFO_C, byte_len)
 GETTER(OAK_HAS_VALUE_OFFSET, sch_key_has_value_offset, SCH_KEY_INFO_C, has_value_off)
 
-SCH_ELEM_INFO sch_key_elem(SCH_KEY_INFO ki, OAK_COL_INDEX n) {
+SCH_ELEM_INFO sch_key_elem(SCH_KEY_INFO_C ki, OAK_COL_INDEX n) {
     return n < ki->num_elems ? &ki->elems[n] : nullptr;
 }
 

@@ -3,10 +3,10 @@
  * Law of the getters: they take a read-only handle that must not be null, never
  * fail, and cost a field access or two. A getter of an object returns that
  * object's own handle, or null when there is none; who only reads keeps it in
- * the _C type. A getter of an index returns OAK_INDEX_NONE, of a drawer number
- * OAK_DRAWER_NONE, when there is nothing to number. Texts belong to the schema
- * and are null when not set. "Bytes" are bytes of the column data, of a key
- * buffer or of a sort buffer, as the function says.
+ * the _C type, which is what the few getters that end in _c return. A getter of an index returns
+ * OAK_INDEX_NONE, of a drawer number OAK_DRAWER_NONE, when there is nothing to number. Texts belong
+ * to the schema and are null when not set. "Bytes" are bytes of the column data, of a key buffer or
+ * of a sort buffer, as the function says.
  *
  * Law of the setters: they return sOKAY, or a failure that leaves the object as
  * it was. eINVNULLARG: the object is null. eBADCAT: the object is part of the
@@ -128,7 +128,7 @@ OAK_API const OAK_VALUE *sch_dom_def(SCH_DOMAIN_INFO_C mi); /* never null */
 OAK_API const char *sch_dom_defstr(SCH_DOMAIN_INFO_C mi);
 OAK_API const char *sch_dom_format(SCH_DOMAIN_INFO_C mi);
 OAK_API uint16_t sch_dom_width(SCH_DOMAIN_INFO_C mi); /* characters */
-OAK_API SCH_TYPE_INFO sch_dom_type(SCH_DOMAIN_INFO mi);
+OAK_API SCH_TYPE_INFO sch_dom_type(SCH_DOMAIN_INFO_C mi);
 OAK_API SCH_TYPE_INFO_C sch_dom_type_c(SCH_DOMAIN_INFO_C mi);
 OAK_API OAK_TYPE sch_dom_data_type(SCH_DOMAIN_INFO_C mi);
 OAK_API const char *sch_dom_check_str(SCH_DOMAIN_INFO_C mi);
@@ -242,7 +242,7 @@ OAK_API OAK_TBL_INDEX sch_col_tbl_ndx(SCH_COL_INFO_C ci);
 OAK_API SCH_TBL_INFO sch_col_table(SCH_COL_INFO_C ci);
 OAK_API const char *sch_col_name(SCH_COL_INFO_C ci); /* null: dropped */
 OAK_API SCH_DOMAIN_INFO sch_col_domain(SCH_COL_INFO_C ci);
-OAK_API SCH_TYPE_INFO sch_col_type(SCH_COL_INFO ci);
+OAK_API SCH_TYPE_INFO sch_col_type(SCH_COL_INFO_C ci);
 OAK_API SCH_TYPE_INFO_C sch_col_type_c(SCH_COL_INFO_C ci);
 OAK_API OAK_TYPE sch_col_data_type(SCH_COL_INFO_C ci);
 /* The domain's name, else the type as a field of generated source. */
@@ -327,7 +327,7 @@ OAK_API OAK_COL_INDEX sch_key_num_elems(SCH_KEY_INFO_C ki);
 OAK_API uint32_t sch_key_byte_len(SCH_KEY_INFO_C ki); /* one key buffer */
 OAK_API OAK_HAS_VALUE_OFFSET sch_key_has_value_offset(SCH_KEY_INFO_C ki);
 /* Element `n`; null beyond the last. */
-OAK_API SCH_ELEM_INFO sch_key_elem(SCH_KEY_INFO ki, OAK_COL_INDEX n);
+OAK_API SCH_ELEM_INFO sch_key_elem(SCH_KEY_INFO_C ki, OAK_COL_INDEX n);
 OAK_API SCH_ELEM_INFO_C sch_key_elem_c(SCH_KEY_INFO_C ki, OAK_COL_INDEX n);
 
 OAK_API OAK_COL_INDEX sch_elem_index(SCH_ELEM_INFO_C ei); /* position in the key */
