@@ -228,14 +228,6 @@ OAK_API OAK_RETCODE oak_bcdFormatWithScale(const OAK_BCD_T *bcd, uint8_t scale,
                                            OAK_BOOL_T use_exponent, OAK_OUTPUT_FCN fcn,
                                            OAK_OUTPUT_CTX ctx);
 
-/* The bytes that the text of a normalized value takes, with its terminator, and
- * its measures through every pointer that is not null: the digit index at which
- * output begins (below 1 for leading zeros), the digits before and behind the
- * point, and the printed exponent. */
-OAK_API size_t calc_needed_size(const OAK_BCD_T *bcd, int16_t *start, int16_t *int_digits,
-                                int16_t *frac_digits, int16_t *exponent, uint8_t scale,
-                                OAK_BOOL_T use_exponent);
-
 /* ---- Packed form ------------------------------------------------------- */
 
 /* A decimal of a column with `prec` digits takes prec / 2 + 1 bytes, without a

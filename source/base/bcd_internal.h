@@ -159,6 +159,16 @@ void clean_copy(OAK_BCD_T *dst, const OAK_BCD_T *src);
 /// dropped fraction.
 OAK_RETCODE bcd_integer_part(const BcdOperand &b, uint64_t limit, uint64_t *magnitude);
 
+// ---- Text ------------------------------------------------------------------
+
+/// The bytes that the text of a normalized value takes, with its terminator, and
+/// its measures through every pointer that is not null: the digit index at which
+/// output begins (below 1 for leading zeros), the digits before and behind the
+/// point, and the printed exponent.
+size_t calc_needed_size(const OAK_BCD_T *bcd, int16_t *start, int16_t *int_digits,
+                        int16_t *frac_digits, int16_t *exponent, uint8_t scale,
+                        OAK_BOOL_T use_exponent);
+
 // ---- The shape of a public operation --------------------------------------
 
 /// What every operation with two operands does around its work function.
