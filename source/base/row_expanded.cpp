@@ -2,6 +2,8 @@
 // encoder's bulk calls and the schema's layout.
 #include "row_expanded.h"
 
+#include <cstring>
+
 #include "base_internal.h"
 #include "row_internal.h"
 
@@ -28,6 +30,31 @@ OAK_RETCODE unpack_image(OAK_ROW *row, B_DECODER decoder) {
     return status;
 }
 
+// Writes the links with zeros between their fields, whatever lies there in
+// memory: stored images of equal rows are equal.
+OAK_RETCODE pack_avls(const OAK_ROW *row, size_t count, B_ENCODER encoder) {
+    OAK_RETCODE status = sOKAY;
+    for (size_t i = 0; status == sOKAY && i < count; ++i) {
+        OAK_AVL avl;
+        std::memset(&avl, 0, sizeof avl);
+        avl.flags = row->avls[i].flags;
+        avl.left = row->avls[i].left;
+        avl.right = row->avls[i].right;
+        status = b_encoderEncodeBytesBulk(encoder, &avl, sizeof avl);
+    }
+    return status;
+}
+
+OAK_RETCODE pack_image(const OAK_ROW *row, B_ENCODER encoder) {
+    const size_t avls = row->avls != nullptr ? schema_view::row_layout(row->ti).num_avls : 0;
+    const size_t done = avls * sizeof(OAK_AVL);
+    const OAK_RETCODE status = pack_avls(row, avls, encoder);
+    if (status != sOKAY || row->data_len == 0) {
+        return status;
+    }
+    return b_encoderEncodeBytesBulk(encoder, row->row_data + done, row->data_len - done);
+}
+
 } // namespace
 
 OAK_RETCODE row_pack_expanded(const OAK_ROW *row, B_ENCODER encoder) {
@@ -36,8 +63,7 @@ OAK_RETCODE row_pack_expanded(const OAK_ROW *row, B_ENCODER encoder) {
     }
     const OAK_RETCODE status =
         b_encoderEncodeBytesBulk(encoder, &row->data_len, sizeof row->data_len);
-    return status == sOKAY ? b_encoderEncodeBytesBulk(encoder, row->row_data, row->data_len)
-                           : status;
+    return status == sOKAY ? pack_image(row, encoder) : status;
 }
 
 OAK_RETCODE row_unpack_expanded(OAK_ROW *row, B_DECODER decoder, OAK_ROWID_T rowid,

@@ -465,7 +465,10 @@ TEST(CompactRow, PutsLinksBackByTheRankOfTheirKey) {
 TEST(ExpandedRow, HoldsLinksAndJoinsInFront) {
     const oaktest::Catalog catalog(linked_tables());
     RowBench row(catalog.table("t"));
-    row.row_.avls[0] = OAK_AVL{3, 1, 2};
+    std::memset(row.row_.avls, 0xee, sizeof(OAK_AVL)); // padding must not be stored
+    row.row_.avls[0].flags = 3;
+    row.row_.avls[0].left = 1;
+    row.row_.avls[0].right = 2;
     row.row_.joins[0].owner = 300;
     const Bytes image = oaktest::unhex(row.expanded());
     EXPECT_EQ(oaktest::hex(image.data() + 8, 24), "0300000000000000"
