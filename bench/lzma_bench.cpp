@@ -1,7 +1,7 @@
 // LZMA of row-like objects of 4 and 16 KiB, set-up included, against liblzma's
 // raw LZMA1 with the same window and properties in its fast mode.
-#include <benchmark/benchmark.h>
 #include "/usr/include/lzma.h" // liblzma; ours has the same name
+#include <benchmark/benchmark.h>
 
 #include <cstdio>
 #include <string>

@@ -18,8 +18,8 @@
 #ifdef __cplusplus
 #define OAK_INT32_ENUM : int32_t
 #define OAK_NODISCARD [[nodiscard]]
-#define OAK_C_BEGIN extern "C" {
-#define OAK_C_END }
+#define OAK_C_BEGIN   extern "C" {
+#define OAK_C_END     }
 #else
 #define OAK_INT32_ENUM
 #define OAK_NODISCARD
@@ -34,9 +34,8 @@
 #define OAK_IGNORE_STATUS(status, why) ((void)(status))
 
 #define OAK_RETCODE_ENUMERATOR(name, code, sqlstate, descr) name = (code),
-typedef enum OAK_NODISCARD OAK_RETCODE OAK_INT32_ENUM {
-    OAK_RETCODE_LIST(OAK_RETCODE_ENUMERATOR)
-} OAK_RETCODE;
+typedef enum OAK_NODISCARD OAK_RETCODE OAK_INT32_ENUM{
+    OAK_RETCODE_LIST(OAK_RETCODE_ENUMERATOR)} OAK_RETCODE;
 #undef OAK_RETCODE_ENUMERATOR
 
 #endif

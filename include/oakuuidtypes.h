@@ -9,10 +9,10 @@
 #include <stdint.h>
 
 typedef struct OAK_UUID_T {
-    uint32_t time_low;                    /* stored byte order */
-    uint16_t time_mid;                    /* stored byte order */
-    uint16_t time_high_and_version;       /* stored byte order; version in the top four bits */
-    uint8_t clock_seq_high_and_reserved;  /* variant in the top two bits */
+    uint32_t time_low;                   /* stored byte order */
+    uint16_t time_mid;                   /* stored byte order */
+    uint16_t time_high_and_version;      /* stored byte order; version in the top four bits */
+    uint8_t clock_seq_high_and_reserved; /* variant in the top two bits */
     uint8_t clock_seq_low;
     uint8_t node[6];
 } OAK_UUID_T;
