@@ -13,10 +13,12 @@
 
 #include <benchmark/benchmark.h>
 
+#include "convert.h"
 #include "convert_scan.h"
 #include "datetime.h"
 #include "osltypes.h"
 #include "uuid.h"
+#include "value.h"
 
 namespace {
 
@@ -101,7 +103,7 @@ void over_texts(benchmark::State &state, const std::vector<std::string> &texts, 
     state.SetBytesProcessed(static_cast<int64_t>(bytes));
 }
 
-// ---- Text to number -------------------------------------------------------------------
+// ---- Text to number -------------------------------------------------------------------------
 
 void classify(benchmark::State &state, const std::vector<std::string> &texts) {
     over_texts(state, texts, [](const std::string &text) {
@@ -162,7 +164,7 @@ BENCHMARK_CAPTURE(platform_strtod, scientific, scientific_texts());
 BENCHMARK_CAPTURE(from_chars_double, scientific, scientific_texts());
 BENCHMARK_CAPTURE(c_strtod, scientific, scientific_texts());
 
-// ---- Number to text -------------------------------------------------------------------
+// ---- Number to text -------------------------------------------------------------------------
 
 template <class Number, class Each>
 void over_numbers(benchmark::State &state, const std::vector<Number> &numbers, Each each) {
@@ -214,7 +216,115 @@ BENCHMARK(double_osl_snprintf);
 BENCHMARK(double_snprintf);
 BENCHMARK(double_to_chars);
 
-// ---- Dates and times --------------------------------------------------------------------
+// ---- Conversions of values ------------------------------------------------------------------
+//
+// The same texts and numbers through the conversions, beside what they rest on above:
+// a value from a text, a text in a plain buffer, and a text in memory of its own, which
+// is measured first where no size is asked for.
+
+void convert_text(benchmark::State &state, const std::vector<std::string> &texts, OAK_TYPE type) {
+    over_texts(state, texts, [type](const std::string &text) {
+        OAK_VALUE from, to;
+        oak_valueInitWithStatusAndType(&from, vsOKAY, OAK_CHAR);
+        from.vt.cv = text.c_str();
+        from.len = text.size() + 1;
+        benchmark::DoNotOptimize(
+            oak_valueConvert(&to, &from, type, 0, OAK_YYYYMMDD, '-', OAK_HHMMSSFFFF, 0, nullptr));
+        benchmark::DoNotOptimize(to);
+    });
+}
+void text_to_int64(benchmark::State &state) {
+    convert_text(state, integer_texts(), OAK_INT64);
+}
+void text_to_double(benchmark::State &state) {
+    convert_text(state, price_texts(), OAK_DOUBLE);
+}
+
+OAK_VALUE value_of(int64_t number) {
+    OAK_VALUE value;
+    oak_valueInit(&value);
+    oak_valueSetInt64(&value, number);
+    return value;
+}
+OAK_VALUE value_of(double number) {
+    OAK_VALUE value;
+    oak_valueInit(&value);
+    oak_valueSetDouble(&value, number);
+    return value;
+}
+
+template <class Number>
+void to_plain_buffer(benchmark::State &state, const std::vector<Number> &numbers) {
+    over_numbers(state, numbers, [](char(&text)[64], Number number) {
+        const OAK_VALUE from = value_of(number);
+        size_t size = 0;
+        benchmark::DoNotOptimize(b_convertOakValueToBuffer(&from, OAK_CHAR, OAK_YYYYMMDD, '-',
+                                                           OAK_HHMMSSFFFF, 0, text, sizeof text,
+                                                           nullptr, &size));
+        benchmark::DoNotOptimize(size);
+    });
+}
+void int64_to_buffer(benchmark::State &state) {
+    to_plain_buffer(state, integers());
+}
+void double_to_buffer(benchmark::State &state) {
+    to_plain_buffer(state, prices());
+}
+
+template <class Number>
+void to_text_value(benchmark::State &state, const std::vector<Number> &numbers) {
+    const OSL_MEMTAG tag = OSL_CREATE_TAG();
+    const auto room = static_cast<size_t>(state.range(0));
+    over_numbers(state, numbers, [tag, room](char(&)[64], Number number) {
+        const OAK_VALUE from = value_of(number);
+        OAK_VALUE to;
+        benchmark::DoNotOptimize(oak_valueConvert(&to, &from, OAK_CHAR, room, OAK_YYYYMMDD, '-',
+                                                  OAK_HHMMSSFFFF, 0, tag));
+        OSL_FREE(const_cast<void *>(to.vt.pv), tag);
+    });
+    OSL_FREE_TAG(tag);
+}
+void int64_to_text(benchmark::State &state) {
+    to_text_value(state, integers());
+}
+void double_to_text(benchmark::State &state) {
+    to_text_value(state, prices());
+}
+void int64_to_double(benchmark::State &state) {
+    over_numbers(state, integers(), [](char(&)[64], int64_t number) {
+        const OAK_VALUE from = value_of(number);
+        OAK_VALUE to;
+        benchmark::DoNotOptimize(oak_valueConvert(&to, &from, OAK_DOUBLE, 0, OAK_YYYYMMDD, '-',
+                                                  OAK_HHMMSSFFFF, 0, nullptr));
+        benchmark::DoNotOptimize(to);
+    });
+}
+// An array of 1,024 as one, in nanoseconds an element.
+void int64_array_to_double(benchmark::State &state) {
+    std::vector<double> out(kTexts);
+    OAK_VALUE from = value_of(int64_t{0});
+    from.elts = kTexts;
+    from.vt.i64a = const_cast<int64_t *>(integers().data());
+    size_t size = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            b_convertOakValueToBuffer(&from, OAK_DOUBLE, OAK_YYYYMMDD, '-', OAK_HHMMSSFFFF, 0,
+                                      out.data(), out.size() * sizeof(double), nullptr, &size));
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * kTexts));
+}
+
+BENCHMARK(text_to_int64);
+BENCHMARK(text_to_double);
+BENCHMARK(int64_to_buffer);
+BENCHMARK(double_to_buffer);
+BENCHMARK(int64_to_text)->ArgName("room")->Arg(0)->Arg(24);
+BENCHMARK(double_to_text)->ArgName("room")->Arg(0)->Arg(24);
+BENCHMARK(int64_to_double);
+BENCHMARK(int64_array_to_double);
+
+// ---- Dates and times ------------------------------------------------------------------------
 
 // Timestamps of a hundred years.
 const std::vector<OAK_PACKED_TIMESTAMP_T> &timestamps() {
@@ -298,7 +408,7 @@ BENCHMARK(timestamp_snprintf);
 BENCHMARK(timestamp_from_text);
 BENCHMARK(timestamp_strptime);
 
-// ---- UUIDs and escape clauses -------------------------------------------------------------
+// ---- UUIDs and escape clauses ---------------------------------------------------------------
 
 void uuid_create(benchmark::State &state) {
     for (auto _ : state) {

@@ -23,7 +23,7 @@ using TimestampTZ = OAK_PACKED_TIMESTAMPTZ_T;
 static_assert(sizeof(Date) == 4 && sizeof(Time) == 4 && sizeof(TimeTZ) == 8 &&
               sizeof(Timestamp) == 8 && sizeof(TimestampTZ) == 12);
 
-// ---- To text -----------------------------------------------------------------------------------
+// ---- To text --------------------------------------------------------------------------------
 
 // A work area for any of the texts; `size` counts the terminator.
 struct MomentText {
@@ -107,8 +107,7 @@ OAK_RETCODE momentToText(CNVCB *block) {
     return kept.rc;
 }
 
-// ---- From text
-// -----------------------------------------------------------------------------------
+// ---- From text ------------------------------------------------------------------------------
 
 OAK_RETCODE readTime(const CNVCB *block, Time *time) {
     const auto *text = static_cast<const char *>(block->pvSrc);
@@ -136,8 +135,7 @@ OAK_RETCODE textToMoment(CNVCB *block, OAK_RETCODE (*read)(const CNVCB *, To *))
     return rc == sOKAY ? storeResult(block, moment) : rc;
 }
 
-// ---- Among themselves
-// ------------------------------------------------------------------------------
+// ---- Among themselves -----------------------------------------------------------------------
 
 OAK_RETCODE dateToTimestamp(const CNVCB *block, const Date &date, Timestamp *timestamp) {
     TimeTZ now{};
@@ -260,8 +258,7 @@ OAK_RETCODE copyMoment(CNVCB *block) {
 
 } // namespace
 
-// ---- The functions by name
-// ------------------------------------------------------------------------------
+// ---- The functions by name ------------------------------------------------------------------
 
 #define CONVERSION(name, call)                                                                     \
     OAK_RETCODE cnv_##name(CNVCB *block) {                                                         \

@@ -18,60 +18,64 @@
 #include "convert.h"
 #include "convert_block.h"
 
-// ---- Lists --------------------------------------------------------------------
+// ---- Lists ----------------------------------------------------------------------------------
+// clang-format off
 
 // The number types as sources, (name, element): integers, floating types, decimal.
-#define CNV_INTEGER_SOURCES(item)                                                                  \
-    item(int8, int8_t) item(uint8, uint8_t) item(int16, int16_t) item(uint16, uint16_t)            \
-        item(int32, int32_t) item(uint32, uint32_t) item(int64, int64_t) item(uint64, uint64_t)
-#define CNV_NUMBER_SOURCES(item)                                                                   \
-    CNV_INTEGER_SOURCES(item) item(float, float) item(double, double) item(decimal, OAK_BCD_T)
+#define CNV_INTEGER_SOURCES(item)                      \
+    item(int8, int8_t)   item(uint8, uint8_t)          \
+    item(int16, int16_t) item(uint16, uint16_t)        \
+    item(int32, int32_t) item(uint32, uint32_t)        \
+    item(int64, int64_t) item(uint64, uint64_t)
+#define CNV_NUMBER_SOURCES(item)                       \
+    CNV_INTEGER_SOURCES(item)                          \
+    item(float, float)   item(double, double)          \
+    item(decimal, OAK_BCD_T)
 
-// The same as destinations of one source, (source, source element, name, element).
-#define CNV_NUMBER_TARGETS(item, from, From)                                                       \
-    item(from, From, Int8, int8_t) item(from, From, UInt8, uint8_t)                                \
-        item(from, From, Int16, int16_t) item(from, From, UInt16, uint16_t)                        \
-            item(from, From, Int32, int32_t) item(from, From, UInt32, uint32_t)                    \
-                item(from, From, Int64, int64_t) item(from, From, UInt64, uint64_t)                \
-                    item(from, From, Float, float) item(from, From, Double, double)                \
-                        item(from, From, Decimal, OAK_BCD_T)                                       \
-                            item(from, From, Boolean, convert::Boolean)
+// What each of them converts to, cnv_<source>To<name>Trunc: (source, source element,
+// name, element).
+#define CNV_NUMBER_TARGETS(item, from, From)                                      \
+    item(from, From, Int8, int8_t)   item(from, From, UInt8, uint8_t)             \
+    item(from, From, Int16, int16_t) item(from, From, UInt16, uint16_t)           \
+    item(from, From, Int32, int32_t) item(from, From, UInt32, uint32_t)           \
+    item(from, From, Int64, int64_t) item(from, From, UInt64, uint64_t)           \
+    item(from, From, Float, float)   item(from, From, Double, double)             \
+    item(from, From, Decimal, OAK_BCD_T)                                          \
+    item(from, From, Boolean, convert::Boolean)
 
 // The numbers that a packed decimal converts to, beside a decimal.
-#define CNV_PACKED_DECIMAL_NUMBERS(item)                                                           \
-    item(Int16) item(UInt16) item(Int32) item(UInt32) item(Int64) item(UInt64) item(Float)         \
-        item(Double)
+#define CNV_PACKED_DECIMAL_NUMBERS(item)               \
+    item(Int16) item(UInt16) item(Int32) item(UInt32)  \
+    item(Int64) item(UInt64) item(Float) item(Double)
 
-// Everything that is no number, by its whole name.
-#define CNV_OTHER_FUNCTIONS(item)                                                                  \
-    item(cnv_strcpyTrunc) item(cnv_memcpyTrunc) item(cnv_memcpy) item(cnv_stringToBinary)          \
-        item(cnv_stringToBoolean) item(cnv_stringToInt8) item(cnv_stringToUInt8) item(             \
-            cnv_stringToInt16) item(cnv_stringToUInt16) item(cnv_stringToInt32)                    \
-            item(cnv_stringToUInt32) item(cnv_stringToInt64) item(cnv_stringToUInt64) item(        \
-                cnv_stringToFloat) item(cnv_stringToDouble) item(cnv_stringToDecimal)              \
-                item(cnv_stringToDate) item(cnv_stringToTime) item(cnv_stringToTimeTZ) item(       \
-                    cnv_stringToTimestamp) item(cnv_stringToTimestampTZ) item(cnv_stringToRowid)   \
-                    item(cnv_stringToUuid) item(cnv_packedDecimalToDecimal) item(                  \
-                        cnv_binaryToString) item(cnv_binaryToBoolean) item(cnv_binaryToUuid)       \
-                        item(cnv_uuidToString) item(cnv_uuidToBinary) item(                        \
-                            cnv_uuidToUuidTrunc) item(cnv_dateToString) item(cnv_dateToDate)       \
-                            item(cnv_dateToTimestamp) item(cnv_dateToTimestampTZ) item(            \
-                                cnv_timeToString) item(cnv_timeToTime) item(cnv_timeToTimeTZ)      \
-                                item(cnv_timeToTimestamp) item(cnv_timeToTimestampTZ) item(        \
-                                    cnv_timeTZToString) item(cnv_timeTZToTime)                     \
-                                    item(cnv_timeTZToTimeTZ) item(cnv_timeTZToTimestamp) item(     \
-                                        cnv_timeTZToTimestampTZ) item(cnv_timestampToString)       \
-                                        item(cnv_timestampToDate) item(cnv_timestampToTime) item(  \
-                                            cnv_timestampToTimeTZ) item(cnv_timestampToTimestamp)  \
-                                            item(cnv_timestampToTimestampTZ)                       \
-                                                item(cnv_timestampTZToString)                      \
-                                                    item(cnv_timestampTZToDate)                    \
-                                                        item(cnv_timestampTZToTime)                \
-                                                            item(cnv_timestampTZToTimeTZ) item(    \
-                                                                cnv_timestampTZToTimestamp)        \
-                                                                item(cnv_timestampTZToTimestampTZ)
+// All others, by their whole names.
+#define CNV_OTHER_FUNCTIONS(item)                                                               \
+    item(cnv_strcpyTrunc)          item(cnv_stringToBinary)     item(cnv_stringToBoolean)       \
+    item(cnv_stringToInt8)         item(cnv_stringToUInt8)      item(cnv_stringToInt16)         \
+    item(cnv_stringToUInt16)       item(cnv_stringToInt32)      item(cnv_stringToUInt32)        \
+    item(cnv_stringToInt64)        item(cnv_stringToUInt64)     item(cnv_stringToFloat)         \
+    item(cnv_stringToDouble)       item(cnv_stringToDecimal)    item(cnv_stringToDate)          \
+    item(cnv_stringToTime)         item(cnv_stringToTimeTZ)     item(cnv_stringToTimestamp)     \
+    item(cnv_stringToTimestampTZ)  item(cnv_stringToRowid)      item(cnv_stringToUuid)          \
+    item(cnv_memcpyTrunc)          item(cnv_memcpy)             item(cnv_binaryToString)        \
+    item(cnv_binaryToBoolean)      item(cnv_binaryToUuid)       item(cnv_packedDecimalToDecimal) \
+    item(cnv_uuidToString)         item(cnv_uuidToBinary)       item(cnv_uuidToUuidTrunc)       \
+    item(cnv_dateToString)         item(cnv_dateToDate)                                         \
+    item(cnv_dateToTimestamp)      item(cnv_dateToTimestampTZ)                                  \
+    item(cnv_timeToString)         item(cnv_timeToTime)         item(cnv_timeToTimeTZ)          \
+    item(cnv_timeToTimestamp)      item(cnv_timeToTimestampTZ)                                  \
+    item(cnv_timeTZToString)       item(cnv_timeTZToTime)       item(cnv_timeTZToTimeTZ)        \
+    item(cnv_timeTZToTimestamp)    item(cnv_timeTZToTimestampTZ)                                \
+    item(cnv_timestampToString)    item(cnv_timestampToDate)    item(cnv_timestampToTime)       \
+    item(cnv_timestampToTimeTZ)    item(cnv_timestampToTimestamp)                               \
+    item(cnv_timestampToTimestampTZ)                                                            \
+    item(cnv_timestampTZToString)  item(cnv_timestampTZToDate)  item(cnv_timestampTZToTime)     \
+    item(cnv_timestampTZToTimeTZ)  item(cnv_timestampTZToTimestamp)                             \
+    item(cnv_timestampTZToTimestampTZ)
 
-// ---- The functions --------------------------------------------------------------
+// clang-format on
+
+// ---- The functions --------------------------------------------------------------------------
 
 #define CNV_DECLARE(name)                          OAK_RETCODE name(CNVCB *block);
 #define CNV_DECLARE_PAIR(from, From, Name, Target) CNV_DECLARE(cnv_##from##To##Name##Trunc)
@@ -87,7 +91,111 @@ CNV_INTEGER_SOURCES(CNV_DECLARE_ROWID)
 CNV_PACKED_DECIMAL_NUMBERS(CNV_DECLARE_PACKED)
 CNV_OTHER_FUNCTIONS(CNV_DECLARE)
 
-// ---- The matrix -------------------------------------------------------------------
+// ---- Kinds of types -------------------------------------------------------------------------
+
+namespace convert {
+
+// What a value of a type is to the conversions.
+enum class Form : uint8_t {
+    none,        // unknown here: markers, and wide text of class 8 that has no row
+    number,      // in the value, or behind its pointer when it has elements
+    moment,      // in the value: a date or a time
+    record,      // behind the pointer, of a fixed size: decimal, UUID, timestamp with zone
+    narrowText,  // behind the pointer, terminated
+    utf8Text,    // wide text stored as UTF-8, the same bytes as narrow text
+    largeText,   // either, as a large object
+    wideText,    // has a row and no functions
+    binary,      // behind the pointer
+    largeBinary, // the same as a large object
+};
+
+struct Kind {
+    uint8_t row; // in typeData; NO_ROW: none
+    Form form;
+};
+
+constexpr uint8_t NO_ROW = 255;
+
+// The row of a type in typeData and its form: text that is carried as UTF-8 has the row of
+// OAK_CHAR, and all binary that of OAK_BINARY.
+constexpr Kind kindOf(OAK_TYPE type) {
+    switch (type) {
+        case OAK_CHAR:
+        case OAK_VARCHAR:
+            return {0, Form::narrowText};
+        case OAK_WCHAR_UTF8:
+        case OAK_WVARCHAR_UTF8:
+            return {0, Form::utf8Text};
+        case OAK_CLOB:
+        case OAK_WCLOB_UTF8:
+            return {0, Form::largeText};
+        case OAK_WCHAR:
+            return {1, Form::wideText};
+        case OAK_BINARY:
+        case OAK_VARBINARY:
+            return {2, Form::binary};
+        case OAK_BLOB:
+            return {2, Form::largeBinary};
+        case OAK_BOOL:
+            return {3, Form::number};
+        case OAK_INT8:
+            return {4, Form::number};
+        case OAK_UINT8:
+            return {5, Form::number};
+        case OAK_INT16:
+            return {6, Form::number};
+        case OAK_UINT16:
+            return {7, Form::number};
+        case OAK_INT32:
+            return {8, Form::number};
+        case OAK_UINT32:
+            return {9, Form::number};
+        case OAK_INT64:
+            return {10, Form::number};
+        case OAK_UINT64:
+            return {11, Form::number};
+        case OAK_FLOAT:
+            return {12, Form::number};
+        case OAK_DOUBLE:
+            return {13, Form::number};
+        case OAK_BCD:
+            return {14, Form::record};
+        case OAK_DATE:
+            return {15, Form::moment};
+        case OAK_TIME:
+            return {16, Form::moment};
+        case OAK_TIMETZ:
+            return {17, Form::moment};
+        case OAK_TIMESTAMP:
+            return {18, Form::moment};
+        case OAK_TIMESTAMPTZ:
+            return {19, Form::record};
+        case OAK_ROWID:
+            return {20, Form::number};
+        case OAK_UUID:
+            return {21, Form::record};
+        default:
+            return {NO_ROW, Form::none};
+    }
+}
+
+inline unsigned classOf(OAK_TYPE type) {
+    return static_cast<unsigned>(type) & OAK_TYPE_CLASS_MASK;
+}
+
+// The types of which there are arrays: truth values, integers and floating numbers.
+inline bool canBeArray(OAK_TYPE type) {
+    const unsigned typeClass = classOf(type);
+    return typeClass >= OAK_TYPE_CLASS_BOOL && typeClass <= OAK_TYPE_CLASS_FLOAT;
+}
+
+inline bool isArray(const OAK_VALUE *value) {
+    return canBeArray(value->type) && value->elts != 0;
+}
+
+} // namespace convert
+
+// ---- The matrix -----------------------------------------------------------------------------
 
 constexpr size_t CNV_TYPES = 22;
 constexpr size_t CNV_SLOTS = 297;
@@ -109,14 +217,11 @@ extern const CNV_SLOT cnvFcns[CNV_SLOTS];
 // The code of a conversion; `pCode` may be null. eINVCONVERT: there is none.
 OAK_RETCODE getConvertCode(OAK_TYPE srcType, OAK_TYPE dstType, CNVCODE *pCode);
 
-// The element size of a type in typeData, 0 for a type without a row.
-size_t convertTypeSize(OAK_TYPE type);
+// The function of a conversion. eINVCONVERT: there is no code, or its slot is empty, as
+// those of wide text are, which travels as UTF-8.
+OAK_RETCODE findConversion(convert::Kind source, convert::Kind destination, B_CNVFCN *function);
 
-// Runs the function behind a code. eINVCONVERT: the slot is empty, as those of wide
-// text are, which travels as UTF-8.
-OAK_RETCODE runConversion(CNVCODE code, CNVCB *block);
-
-// ---- Elements -----------------------------------------------------------------------
+// ---- Elements -------------------------------------------------------------------------------
 
 namespace convert {
 

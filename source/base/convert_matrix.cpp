@@ -13,7 +13,7 @@
 
 #include <iterator>
 
-// ---- The tables -----------------------------------------------------------------------
+// ---- The tables -----------------------------------------------------------------------------
 
 constexpr OAK_TYPE_DATA typeData[CNV_TYPES] = {
     {OAK_CHAR, 0},  {OAK_WCHAR, 0},  {OAK_BINARY, 0}, {OAK_BOOL, 1},      {OAK_INT8, 1},
@@ -356,73 +356,13 @@ constexpr CNV_SLOT cnvFcns[CNV_SLOTS] = {
 
 namespace {
 
-// ---- Lookup ----------------------------------------------------------------------------
+using namespace convert;
 
-constexpr size_t NO_ROW = CNV_TYPES;
-
-// The row of a type in typeData, the text types that are carried as UTF-8 in the row of
-// OAK_CHAR and all binary in that of OAK_BINARY. Compilers make a few comparisons of it.
-constexpr size_t rowOfType(OAK_TYPE type) {
-    switch (type) {
-        case OAK_CHAR:
-        case OAK_WCHAR_UTF8:
-        case OAK_VARCHAR:
-        case OAK_WVARCHAR_UTF8:
-        case OAK_CLOB:
-        case OAK_WCLOB_UTF8:
-            return 0;
-        case OAK_WCHAR:
-            return 1;
-        case OAK_BINARY:
-        case OAK_VARBINARY:
-        case OAK_BLOB:
-            return 2;
-        case OAK_BOOL:
-            return 3;
-        case OAK_INT8:
-            return 4;
-        case OAK_UINT8:
-            return 5;
-        case OAK_INT16:
-            return 6;
-        case OAK_UINT16:
-            return 7;
-        case OAK_INT32:
-            return 8;
-        case OAK_UINT32:
-            return 9;
-        case OAK_INT64:
-            return 10;
-        case OAK_UINT64:
-            return 11;
-        case OAK_FLOAT:
-            return 12;
-        case OAK_DOUBLE:
-            return 13;
-        case OAK_BCD:
-            return 14;
-        case OAK_DATE:
-            return 15;
-        case OAK_TIME:
-            return 16;
-        case OAK_TIMETZ:
-            return 17;
-        case OAK_TIMESTAMP:
-            return 18;
-        case OAK_TIMESTAMPTZ:
-            return 19;
-        case OAK_ROWID:
-            return 20;
-        case OAK_UUID:
-            return 21;
-        default:
-            return NO_ROW;
-    }
-}
+// ---- Lookup ---------------------------------------------------------------------------------
 
 constexpr bool rowsAreInOrder() {
     for (size_t row = 0; row < CNV_TYPES; ++row)
-        if (rowOfType(typeData[row].type) != row)
+        if (kindOf(typeData[row].type).row != row)
             return false;
     return true;
 }
@@ -446,14 +386,16 @@ constexpr bool codesHaveSlots() {
 }
 static_assert(codesHaveSlots());
 
+// 0 where either type has no row.
+CNVCODE codeOf(Kind source, Kind destination) {
+    const bool hasRows = source.row != NO_ROW && destination.row != NO_ROW;
+    return hasRows ? cnv_codes[source.row][destination.row] : 0;
+}
+
 } // namespace
 
 OAK_RETCODE getConvertCode(OAK_TYPE srcType, OAK_TYPE dstType, CNVCODE *pCode) {
-    const size_t dstRow = rowOfType(dstType);
-    const size_t srcRow = rowOfType(srcType);
-    if (dstRow == NO_ROW || srcRow == NO_ROW)
-        return eINVCONVERT;
-    const CNVCODE code = cnv_codes[srcRow][dstRow];
+    const CNVCODE code = codeOf(kindOf(srcType), kindOf(dstType));
     if (code == 0)
         return eINVCONVERT;
     if (pCode != nullptr)
@@ -461,17 +403,12 @@ OAK_RETCODE getConvertCode(OAK_TYPE srcType, OAK_TYPE dstType, CNVCODE *pCode) {
     return sOKAY;
 }
 
-size_t convertTypeSize(OAK_TYPE type) {
-    const size_t row = rowOfType(type);
-    return row == NO_ROW ? 0 : typeData[row].size;
+OAK_RETCODE findConversion(Kind source, Kind destination, B_CNVFCN *function) {
+    *function = cnvFcns[codeOf(source, destination)].function;
+    return *function == nullptr ? eINVCONVERT : sOKAY;
 }
 
-OAK_RETCODE runConversion(CNVCODE code, CNVCB *block) {
-    const B_CNVFCN function = cnvFcns[code].function;
-    return function == nullptr ? eINVCONVERT : function(block);
-}
-
-// ---- Exported ----------------------------------------------------------------------------
+// ---- Exported -------------------------------------------------------------------------------
 
 OAK_RETCODE b_convertVerify(OAK_TYPE typeSrc, OAK_TYPE typeDst, CNVCODE *pCnvCode) {
     return getConvertCode(typeSrc, typeDst, pCnvCode);

@@ -27,7 +27,7 @@ using namespace convert;
 
 namespace {
 
-// ---- Kinds of elements ------------------------------------------------------------------
+// ---- Kinds of elements ----------------------------------------------------------------------
 
 // A row's number.
 struct RowId {
@@ -42,7 +42,7 @@ constexpr bool isTruth = std::is_same_v<T, Boolean>;
 static_assert(sizeof(OAK_BCD_T) == 37 && alignof(OAK_BCD_T) == 1);
 static_assert(sizeof(Boolean) == 1 && sizeof(RowId) == 8);
 
-// ---- Decimals by type --------------------------------------------------------------------
+// ---- Decimals by type -----------------------------------------------------------------------
 
 #define DECIMAL_OF(suffix, type)                                                                   \
     OAK_RETCODE decimalFrom(type number, OAK_BCD_T *decimal) {                                     \
@@ -62,7 +62,7 @@ DECIMAL_OF(UInt64, uint64_t)
 DECIMAL_OF(Float, float)
 DECIMAL_OF(Double, double)
 
-// ---- Floating numbers ---------------------------------------------------------------------
+// ---- Floating numbers -----------------------------------------------------------------------
 
 bool isFinite(double number) {
     return osl_validateDouble(nullptr, number) == OAK_TRUE;
@@ -101,7 +101,7 @@ OAK_RETCODE wholePart(float number, double *whole) {
     return f_ceil_or_floor(number, whole);
 }
 
-// ---- Rules: one element ----------------------------------------------------------------------
+// ---- Rules: one element ---------------------------------------------------------------------
 
 template <std::integral From, std::integral To>
 OAK_RETCODE convertElement(From number, To *result) {
@@ -193,8 +193,7 @@ OAK_RETCODE convertElement(From number, RowId *result) {
     return sOKAY;
 }
 
-// ---- The walk
-// ------------------------------------------------------------------------------------
+// ---- The walk -------------------------------------------------------------------------------
 
 // How a failing element ends the walk of a family.
 template <class From, class To>
@@ -264,8 +263,7 @@ OAK_RETCODE convertToBinary(CNVCB *block) {
     return copyValueTrunc(block, block->srcStride != 0 ? block->srcStride : sizeof(From));
 }
 
-// ---- Packed decimals
-// ---------------------------------------------------------------------------------
+// ---- Packed decimals ------------------------------------------------------------------------
 
 OAK_RETCODE unpackBCD(const CNVCB *block, OAK_BCD_T *decimal) {
     const auto *packed = static_cast<const OAK_PACKED_BCD_T *>(block->pvSrc);
@@ -299,8 +297,7 @@ OAK_RETCODE unpackWhole(CNVCB *block) {
 
 } // namespace
 
-// ---- Copies
-// ------------------------------------------------------------------------------------------
+// ---- Copies ---------------------------------------------------------------------------------
 
 OAK_RETCODE convert::copyValueTrunc(CNVCB *block, size_t width) {
     size_t count = elementCount(block);
@@ -323,8 +320,7 @@ OAK_RETCODE convert::copyValueTrunc(CNVCB *block, size_t width) {
     return rc;
 }
 
-// ---- The functions by name
-// ------------------------------------------------------------------------------
+// ---- The functions by name ------------------------------------------------------------------
 
 #define CONVERT_PAIR(from, From, Name, Target)                                                     \
     OAK_RETCODE cnv_##from##To##Name##Trunc(CNVCB *block) {                                        \

@@ -33,6 +33,10 @@ namespace {
 
 constexpr size_t ELEMENT_TEXT_SIZE = 80;
 
+// Significant digits of floating numbers.
+constexpr int DIGITS_OF_DOUBLE = 15;
+constexpr int DIGITS_OF_FLOAT = 7;
+
 // Without a terminator.
 struct ElementText {
     char chars[ELEMENT_TEXT_SIZE];
@@ -54,8 +58,16 @@ void formatWord(OAK_FP_TYPE kind, ElementText *text) {
     std::memcpy(text->chars, word, text->length);
 }
 
-// As printf's %.*G does in the C locale.
+// As printf's %.*G does in the C locale. Whole numbers of no more than so many digits,
+// which are most of the floating numbers in tables, print as the integers that they are;
+// -0 is not one of them.
 void formatGeneral(double number, int digits, ElementText *text) {
+    const double end = digits == DIGITS_OF_DOUBLE ? 1e15 : 1e7;
+    if (number != 0 && std::fabs(number) < end && number == std::trunc(number)) {
+        text->set(
+            std::to_chars(text->chars, std::end(text->chars), static_cast<int64_t>(number)).ptr);
+        return;
+    }
     text->set(std::to_chars(text->chars, std::end(text->chars), number, std::chars_format::general,
                             digits)
                   .ptr);
@@ -66,7 +78,7 @@ void formatGeneral(double number, int digits, ElementText *text) {
 OAK_RETCODE formatElement(double number, ElementText *text) {
     OAK_FP_TYPE kind;
     if (osl_validateDouble(&kind, number) == OAK_TRUE)
-        formatGeneral(number, 15, text);
+        formatGeneral(number, DIGITS_OF_DOUBLE, text);
     else
         formatWord(kind, text);
     return sOKAY;
@@ -75,7 +87,7 @@ OAK_RETCODE formatElement(double number, ElementText *text) {
 OAK_RETCODE formatElement(float number, ElementText *text) {
     OAK_FP_TYPE kind;
     if (osl_validateFloat(&kind, number) == OAK_TRUE)
-        formatGeneral(static_cast<double>(number), 7, text);
+        formatGeneral(static_cast<double>(number), DIGITS_OF_FLOAT, text);
     else
         formatWord(kind, text);
     return sOKAY;
@@ -94,7 +106,7 @@ OAK_RETCODE formatElement(const OAK_UUID_T &uuid, ElementText *text) {
     return oak_uuidToString(&uuid, text->chars, sizeof text->chars, OAK_FALSE);
 }
 
-// ---- The walk ---------------------------------------------------------------------------------
+// ---- The walk -------------------------------------------------------------------------------
 
 // The text of a value or array on its way into the destination, or being measured.
 class TextRun {
@@ -159,7 +171,7 @@ OAK_RETCODE elementsToText(CNVCB *block) {
     return result;
 }
 
-// ---- Numeric text -------------------------------------------------------------------------------
+// ---- Numeric text ---------------------------------------------------------------------------
 
 struct NumberForm {
     int16_t sign;
@@ -217,8 +229,8 @@ OAK_RETCODE parseByDouble(const char *text, Integer *number) {
 // the point, with a minus counted by the caller where it counts.
 template <class Integer>
 OAK_RETCODE parseWithFraction(const char *text, unsigned digits, Integer *number) {
-    constexpr unsigned DIGITS_OF_DOUBLE = 18;
-    const OAK_RETCODE rc = digits > DIGITS_OF_DOUBLE ? parseInteger(IntegerPart(text).text, number)
+    constexpr unsigned DIGITS_BY_DOUBLE = 18;
+    const OAK_RETCODE rc = digits > DIGITS_BY_DOUBLE ? parseInteger(IntegerPart(text).text, number)
                                                      : parseByDouble(text, number);
     return rc == sOKAY ? sTRUNCATE : rc;
 }
@@ -259,8 +271,7 @@ OAK_RETCODE textToInteger(CNVCB *block) {
     return storeResult(block, static_cast<Integer>(number), rc);
 }
 
-// ---- Truth values
-// -----------------------------------------------------------------------------------
+// ---- Truth values ---------------------------------------------------------------------------
 
 struct TruthWord {
     const char *word;
@@ -290,8 +301,7 @@ OAK_RETCODE parseTruth(const char *text, uint8_t *value) {
     return rc;
 }
 
-// ---- Hexadecimal digits
-// -------------------------------------------------------------------------------
+// ---- Hexadecimal digits ---------------------------------------------------------------------
 
 constexpr size_t HEX_FRAME = 3; // "0x" and the terminator
 
@@ -330,8 +340,7 @@ bool hasHexPrefix(const char *text, size_t length) {
 
 } // namespace
 
-// ---- Numbers and UUIDs to text
-// --------------------------------------------------------------------------
+// ---- Numbers and UUIDs to text --------------------------------------------------------------
 
 #define NUMBER_TO_TEXT(from, From)                                                                 \
     OAK_RETCODE cnv_##from##ToString(CNVCB *block) {                                               \
@@ -343,8 +352,7 @@ OAK_RETCODE cnv_uuidToString(CNVCB *block) {
     return elementsToText<OAK_UUID_T>(block);
 }
 
-// ---- Text to numbers
-// ------------------------------------------------------------------------------------
+// ---- Text to numbers ------------------------------------------------------------------------
 
 #define TEXT_TO_INTEGER(To, Target)                                                                \
     OAK_RETCODE cnv_stringTo##To(CNVCB *block) {                                                   \
@@ -425,8 +433,7 @@ OAK_RETCODE cnv_stringToBoolean(CNVCB *block) {
     return rc == sOKAY ? storeResult(block, truth) : rc;
 }
 
-// ---- Text to text
-// --------------------------------------------------------------------------------------
+// ---- Text to text ---------------------------------------------------------------------------
 
 // Reads long text in pieces from `offset` on. A destination of one byte takes one
 // character without a terminator, and tells a size of two.
@@ -453,8 +460,7 @@ OAK_RETCODE cnv_strcpyTrunc(CNVCB *block) {
     return overflows(block, rest) ? sTRUNCATE : sOKAY;
 }
 
-// ---- Binary
-// ---------------------------------------------------------------------------------------------
+// ---- Binary ---------------------------------------------------------------------------------
 
 OAK_RETCODE cnv_memcpyTrunc(CNVCB *block) {
     size_t count = block->tSrcLen - block->offset;
