@@ -1,19 +1,19 @@
-// The front door of conversion: where payloads lie, what a destination needs, the runs of
-// one conversion, and arrays. Rests on the matrix, on the copies of the value module, on
-// the table of types and on memory tags; called by the column operations, the catalog and
-// the layers above.
+// The front door of conversion: where payloads lie, what a destination needs, and the run
+// of one conversion. Rests on the matrix, on the copies of the value module, on the table
+// of types and on memory tags; called by the column operations, the catalog and the layers
+// above. Arrays stand in convert_arrays.cpp.
 //
-// A run goes so. The pair's code is read from the matrix first: a pair that has none is
-// refused before any data is looked at. The destination's payload is then made, when it
-// does not lie in the value itself, and a conversion block carries both payloads to the
-// function of the code. Arrays of truth values, integers and floating numbers convert
-// element by element to arrays alone; their text forms are for plain buffers and for
-// b_convertArrayToString.
+// A run goes so. What the destination needs is reckoned from both types, the source's
+// length and the size that the caller asked for; its payload is made, when it does not lie
+// in the value itself; the pair's function is read from the matrix, which refuses a pair
+// that has none before any data is looked at; and a conversion block carries both payloads
+// to that function. A payload that was made goes again when the function fails.
 //
 // Room. A destination inside the value never gets more room than its type has, so nothing
 // is written past the payload. A text destination gets one byte more than it is told of,
-// so that text is terminated whatever was cut. A text for which the caller set no limit,
-// made of a value that tells no length of its own, is measured first and comes out whole.
+// so that text is terminated whatever was cut. A text for which nobody named a size, made
+// of a value that tells no length of its own, comes out whole: it is made on the stack and
+// copied into a block of its length.
 #include "convert_internal.h"
 
 #include <algorithm>

@@ -30,30 +30,44 @@ typedef uint16_t CNVCODE;
 
 /* ---- The front door ---------------------------------------------------- */
 
-/* Converts `sVal` into `dVal`, whose earlier contents are forgotten.
+/* Converts `sVal` into `dVal`, whose earlier contents are forgotten; both may be
+ * the same record.
  *   dstType     the type to convert to
- *   uDstMaxLen  bytes that a text, binary or array destination may take; 0 is
- *               not limited. It has no effect on a plain copy
- * A copy is made, in `mtag`, of NULL and NOVAL, of a value that has the type
- * already, and between narrow text and wide text stored as UTF-8: the
- * destination then carries the source's type. A text of one character converted
- * to OAK_INT8 without a limit gives the character's code.
+ *   uDstMaxLen  bytes that a text may take, its terminator counted; 0 is not
+ *               limited. Binary to a number is a raw image, which needs at least
+ *               its own size here. A plain copy, a large text, binary and binary
+ *               to text have the size that the source gives
+ *   mtag        takes the payload; not used where that lies in the value
+ * A copy is made of NULL and NOVAL, of a value that has the type already, and
+ * between narrow text and wide text stored as UTF-8: the destination then
+ * carries the source's type. A text of one character converted to OAK_INT8
+ * without a limit gives the character's code. An array converts to an array.
  * sOKAY         converted or copied
- * sTRUNCATE     converted, with a text, binary or array cut, or with fraction
- *               digits dropped from a text
- * sPRECISIONLOSS, sUNDERFLOW  as decimals give them; the value stands
+ * sTRUNCATE     converted, with a text or binary cut, or with fraction digits
+ *               dropped from a text
+ * sPRECISIONLOSS, sUNDERFLOW  as decimals give them; the value stands, with the
+ *               source's status
  * eINVCONVERT   no such conversion, or an array to what is none
- * eRANGE, eINVLITERAL, eINVBINLITERAL, eDATALOST, eTYPEMISMATCH, eINVDATEFMT and
- * the statuses of dates, decimals and UUIDs: the value does not convert
- * eNOMEMORY, eINVNULLARG (a null value) */
+ * eRANGE        out of the destination's range
+ * eINVLITERAL, eINVBINLITERAL  a text that is no number, date or binary
+ * eDATALOST     too little room for a date, a UUID or a raw image
+ * eTYPEMISMATCH binary of a value without a length; a row id with a fraction
+ * eINVDATEFMT and the other statuses of dates, decimals and UUIDs
+ * eNOMEMORY; eINVNULLARG (a null value, payload or tag where one is needed)
+ * After a failure `dVal` is absent (vsNOVAL) and holds no memory, but for an
+ * array, which stands where an element did not convert. */
 OAK_API OAK_RETCODE oak_valueConvert(OAK_VALUE *dVal, const OAK_VALUE *sVal, OAK_TYPE dstType,
                                      size_t uDstMaxLen, OAK_DATE_FORMAT date_format,
                                      int8_t date_sep, OAK_TIME_FORMAT time_format, int16_t tz_disp,
                                      OSL_MEMTAG mtag);
 
 /* The same for a raw source: `srcLen` bytes at `pSrcVal` that hold a value of
- * `srcType` (a text with its terminator counted). eINVNULLARG for a null
- * destination, or a null source with bytes. */
+ * `srcType`, at any alignment. A text is terminated, and `srcLen` counts its
+ * terminator, or is 0 to have it counted here; a type of fixed size lies there
+ * whole, whatever `srcLen` is. Every value goes through the matrix: one that has
+ * the type already is converted, and cut, and a single letter is no code.
+ * eINVNULLARG: a null destination, or a null source but for binary without
+ * bytes. */
 OAK_API OAK_RETCODE oak_valueConvertFromBuffer(OAK_VALUE *pDstVal, OAK_TYPE dstType,
                                                size_t dstMaxLen, const void *pSrcVal,
                                                OAK_TYPE srcType, size_t srcLen,
@@ -67,19 +81,24 @@ OAK_API OAK_RETCODE oak_valueConvertFromBuffer(OAK_VALUE *pDstVal, OAK_TYPE dstT
  * sOKAY or eINVCONVERT. */
 OAK_API OAK_RETCODE b_convertVerify(OAK_TYPE typeSrc, OAK_TYPE typeDst, CNVCODE *pCnvCode);
 
-/* Runs one conversion into a destination that is already prepared: its payload
- * has room for `uDstMaxLen` bytes (0: not limited) where the type lies behind a
- * pointer. Statuses as for oak_valueConvert. */
+/* Runs one conversion into a destination that is already prepared: where the
+ * type lies behind a pointer, that points to `uDstMaxLen` bytes (0: not limited)
+ * or is null to measure. Type, status, length and elements of the destination
+ * are set when the status is not negative. Statuses as for oak_valueConvert; a
+ * NULL is converted as if it were none. */
 OAK_API OAK_RETCODE b_convertOakValue(const OAK_VALUE *pSrcVal, OAK_VALUE *pDstVal,
                                       OAK_TYPE dstType, size_t uDstMaxLen,
                                       OAK_DATE_FORMAT date_format, int8_t date_sep,
                                       OAK_TIME_FORMAT time_format, int16_t tz_disp,
                                       OSL_MEMTAG mtag);
 
-/* Runs one conversion into a plain buffer of `bytesIn` bytes (0: not limited);
- * a null buffer measures. Arrays convert element by element, to text as
- * "ARRAY[1,2,3]". `pnOffset` is accepted and not used. `pBytesOut` (optional)
- * receives the bytes produced or needed when the status is not negative. */
+/* Runs one conversion into a plain buffer of `bytesIn` bytes (0: not limited),
+ * which holds at least one element of a type of fixed size; a null buffer
+ * measures. Arrays convert element by element, to text as "ARRAY[1,2,3]", and
+ * are cut to the whole elements that fit: sTRUNCATE. An OAK_BOOL takes four
+ * bytes in an array and one by itself. `pnOffset` is accepted and not used.
+ * `pBytesOut` (optional) receives the bytes produced or needed when the status
+ * is not negative: 1 where not even one element fitted a text. */
 OAK_API OAK_RETCODE b_convertOakValueToBuffer(const OAK_VALUE *pSrcVal, OAK_TYPE dstType,
                                               OAK_DATE_FORMAT date_format, int8_t date_sep,
                                               OAK_TIME_FORMAT time_format, int16_t tz_disp,
@@ -92,14 +111,17 @@ OAK_API double b_convertAsciiToDouble(const char *str);
 /* ---- Arrays ------------------------------------------------------------ */
 
 /* Array to array, element by element, into a new block in `mtag`. The walk goes
- * on behind an element that fails, and the status is that of the last one.
- * eINVCONVERT: `dstType` cannot be an array; eNOMEMORY. */
+ * on behind an element that fails, which stays zero, and the status is that of
+ * the last one; the destination is an array whatever it is. eINVCONVERT: the
+ * source is no array, or `dstType` cannot be one; eINVNULLARG; eNOMEMORY. */
 OAK_API OAK_RETCODE b_convertOakArray(const OAK_VALUE *pSrcVal, OAK_VALUE *pDstVal,
                                       OAK_TYPE dstType, OSL_MEMTAG mtag);
 
 /* The text "ARRAY[...]" of an array value in a new block of the exact size in
- * `mtag`. `width` (0: none) and `precision` are those of the floating types.
- * eINVCONVERT: a null `ppString`, or no array; eNOMEMORY. */
+ * `mtag`. Truth values are the words true and false. `width` (0: none; negative:
+ * blanks on the right) and `precision` (negative: 6) are those of the floating
+ * types, which are printed without an exponent. eINVCONVERT: a null `ppString`,
+ * or no array; eINVNULLARG; eNOMEMORY. */
 OAK_API OAK_RETCODE b_convertArrayToString(const OAK_VALUE *pVal, char **ppString, int32_t width,
                                            int32_t precision, OSL_MEMTAG mtag);
 

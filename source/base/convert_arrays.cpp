@@ -21,14 +21,11 @@ namespace {
 // ---- Element by element ---------------------------------------------------------------------
 
 // Stores what came out as sOKAY; the status is that of the last element.
-OAK_RETCODE convertEach(const OAK_VALUE *array, OAK_TYPE dstType, uint8_t *out, OSL_MEMTAG mtag) {
-    B_CNVFCN function = nullptr;
-    OAK_RETCODE rc = findConversion(kindOf(array->type), kindOf(dstType), &function);
-    if (rc != sOKAY)
-        return rc;
+OAK_RETCODE convertEach(const OAK_VALUE *array, B_CNVFCN function, uint8_t *out, size_t dstWidth,
+                        OSL_MEMTAG mtag) {
     const size_t srcWidth = b_typeGetLength(array->type);
-    const size_t dstWidth = b_typeGetLength(dstType);
     const auto *elements = static_cast<const uint8_t *>(array->vt.pv);
+    OAK_RETCODE rc = sOKAY;
     for (size_t i = 0; i < array->elts; ++i) {
         OAK_COLUMN result{};
         CNVCB block{};
@@ -155,17 +152,21 @@ OAK_RETCODE b_convertOakArray(const OAK_VALUE *pSrcVal, OAK_VALUE *pDstVal, OAK_
                               OSL_MEMTAG mtag) {
     if (pSrcVal == nullptr || pDstVal == nullptr)
         return eINVNULLARG;
-    const size_t width = b_typeGetLength(dstType);
-    if (!isArray(pSrcVal) || !canBeArray(dstType) || width == 0)
+    if (!isArray(pSrcVal) || !canBeArray(dstType))
         return eINVCONVERT;
+    B_CNVFCN function = nullptr;
+    OAK_RETCODE rc = findConversion(kindOf(pSrcVal->type), kindOf(dstType), &function);
+    if (rc != sOKAY)
+        return rc;
     const OAK_VALUE array = *pSrcVal; // the destination may be the same record
     if (array.vt.pv == nullptr)
         return eINVNULLARG;
-    void *block = nullptr;
-    OAK_RETCODE rc = b_allocMemoryOrSetNull(array.elts * width, &block, mtag);
+    const size_t width = b_typeGetLength(dstType);
+    uint8_t *block = nullptr;
+    rc = b_allocMemoryOrSetNull(array.elts * width, &block, mtag);
     if (rc != sOKAY)
         return rc;
-    rc = convertEach(&array, dstType, static_cast<uint8_t *>(block), mtag);
+    rc = convertEach(&array, function, block, width, mtag);
     pDstVal->type = dstType;
     pDstVal->status = vsOKAY;
     pDstVal->len = 0;

@@ -18,7 +18,7 @@
 
 namespace {
 
-// ---- Words of the tables --------------------------------------------------------------------
+// ---- Words of the tables --------------------------------------------------------
 
 constexpr int16_t stay = 0;
 constexpr int16_t shift = 1;
@@ -50,7 +50,7 @@ enum EscapeRule : int16_t {
     escDrop = 6     // what is held is forgotten
 };
 
-// ---- Numbers --------------------------------------------------------------------------------
+// ---- Numbers ----------------------------------------------------------------------
 //
 // 0 white space and sign, 1 digits before the point, 2 behind it, 3 the exponent's
 // sign, 4 its digits.
@@ -80,7 +80,7 @@ constexpr B_ACTION num4[] = {{symbolDigit, numExpDigit, shift, 4},
 
 constexpr const B_ACTION *numStateTable[] = {num0, num1, num2, num3, num4};
 
-// ---- Date literals --------------------------------------------------------------------------
+// ---- Date literals ------------------------------------------------------------------
 //
 // 0 what opens it, 1 to 3 DATE, 4 to 11 TIMESTAMP, 12 the quote behind the word or @,
 // 13 to 16 the year, 18 and 19 the month, 21 to 23 the day. Behind the day the walk
@@ -144,7 +144,7 @@ constexpr const B_ACTION *dateStateTable[] = {
     date0,  date1,  date2,  date3,  date4,  date5,  date6,  date7,  date8,  date9,  date10, date11,
     date12, date13, date14, date15, date16, date17, date18, date19, date20, date21, date22, date23};
 
-// ---- Escape clauses -------------------------------------------------------------------------
+// ---- Escape clauses -----------------------------------------------------------------
 //
 // 0 plain text; 1 to 3 the opener --(*, 4 to 21 vendor(...),product(...); 22 to 32, 38
 // and 51 to 58 the clause's keyword; 33 to 37 its body up to } or *)--; 39 and 40
@@ -293,7 +293,7 @@ constexpr B_ACTION escapeAtEnd(size_t state) {
                          : B_ACTION{symbolEnd, 0, stay, 0};
 }
 
-// ---- The machines ---------------------------------------------------------------------------
+// ---- The machines -------------------------------------------------------------------
 
 constexpr StateTable<5> numberTable = {numStateTable, nullptr};
 constexpr StateTable<24> dateTable = {dateStateTable, nullptr};
@@ -307,7 +307,7 @@ static_assert(state_machine::isSound(numberMachine));
 static_assert(state_machine::isSound(dateMachine));
 static_assert(state_machine::isSound(escapeMachine));
 
-// ---- Rules of numbers -----------------------------------------------------------------------
+// ---- Rules of numbers -----------------------------------------------------------------
 
 struct NumberScan {
     size_t mag = 0;
@@ -363,7 +363,7 @@ uint16_t saturate16(size_t count) {
     return count > UINT16_MAX ? uint16_t{UINT16_MAX} : static_cast<uint16_t>(count);
 }
 
-// ---- Rules of date literals -----------------------------------------------------------------
+// ---- Rules of date literals -------------------------------------------------------------
 
 struct DateScan {
     OAK_DATE_T fields = {0, 0, 0};
@@ -443,7 +443,7 @@ OAK_RETCODE reorderDate(const char *text, size_t length, OAK_DATE_FORMAT format,
     return sOKAY;
 }
 
-// ---- Rules of escape clauses ----------------------------------------------------------------
+// ---- Rules of escape clauses --------------------------------------------------------------
 
 struct EscapeRewrite {
     char *out;
@@ -498,7 +498,7 @@ struct EscapeRewrite {
 
 } // namespace
 
-// ---- Exported -------------------------------------------------------------------------------
+// ---- Exported --------------------------------------------------------------------------
 
 OAK_RETCODE convert_parseNumber(const char *szNum, int16_t *sign, uint16_t *mag, uint16_t *scale,
                                 int16_t *expt) {
@@ -536,7 +536,7 @@ OAK_RETCODE b_convertEscapesToSQL(const char *pszIn, char *pszOut, size_t tOutLe
     return sOKAY;
 }
 
-// ---- Internal to the conversions ------------------------------------------------------------
+// ---- Internal to the conversions ---------------------------------------------------------
 
 OAK_RETCODE cnv_stringToDate(CNVCB *block) {
     const auto *text = static_cast<const char *>(block->pvSrc);

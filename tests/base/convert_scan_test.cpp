@@ -15,7 +15,7 @@
 
 namespace {
 
-// ---- The plain walker -----------------------------------------------------------------------
+// ---- The plain walker ---------------------------------------------------------------------
 
 constexpr int kEnd = 0;
 constexpr int kDigit = 1;
@@ -125,7 +125,7 @@ void plain_walk(const Table &table, const std::string &text, Coverage *coverage,
     }
 }
 
-// ---- Numbers, plainly -----------------------------------------------------------------------
+// ---- Numbers, plainly -------------------------------------------------------------------------
 
 struct Number {
     OAK_RETCODE rc = sOKAY;
@@ -263,7 +263,7 @@ std::vector<std::string> texts_for_every_entry(const Table &table,
 
 } // namespace
 
-// ---- Numbers --------------------------------------------------------------------------------
+// ---- Numbers -----------------------------------------------------------------------------------
 
 TEST(ParseNumber, ClassifiesKnownTexts) {
     const struct {
@@ -386,7 +386,8 @@ TEST(ParseNumber, OutputsMayBeLeftOut) {
     EXPECT_EQ(convert_parseNumber(nullptr, &sign, &mag, &scale, &expt), eINVNULLARG);
 }
 
-// ---- Date literals --------------------------------------------------------------------------
+// ---- Date literals
+// -------------------------------------------------------------------------------
 
 namespace {
 
@@ -640,7 +641,8 @@ TEST(StringToDate, AgreesWithTheTableOnDamagedTexts) {
     }
 }
 
-// ---- Escape clauses -------------------------------------------------------------------------
+// ---- Escape clauses
+// --------------------------------------------------------------------------------
 
 namespace {
 

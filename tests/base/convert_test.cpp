@@ -620,6 +620,16 @@ TEST_F(Convert, ConvertsAnArrayToAnArray) {
     EXPECT_EQ(to_.vt.u64a[1], 0u);
 }
 
+TEST_F(Convert, MakesAPreparedDestinationAnArrayAsWell) {
+    int32_t values[] = {1, 2};
+    const OAK_VALUE array = value_over(OAK_INT32, values, 0, 2);
+    OAK_VALUE into = scalar<int64_t>(OAK_INT64, 9);
+    EXPECT_EQ(convert_into(&into, &array, OAK_INT64, 0, tag_), sOKAY);
+    EXPECT_EQ(into.elts, 2u);
+    EXPECT_EQ(into.vt.i64a[1], 2);
+    EXPECT_EQ(convert_into(&into, &array, OAK_CHAR, 0, tag_), eINVCONVERT);
+}
+
 // Every pair of the eleven types that can be arrays.
 TEST_F(Convert, ConvertsArraysOfEveryTypeToEveryOther) {
     const OAK_TYPE types[] = {OAK_BOOL,   OAK_INT8,  OAK_UINT8,  OAK_INT16, OAK_UINT16, OAK_INT32,
