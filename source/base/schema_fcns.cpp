@@ -393,8 +393,13 @@ OAK_RETCODE sch_col_copy_to_str_fcn(SCH_COL_INFO_C ci, int16_t tz_disp, char *st
     OAK_RETCODE status = sOKAY;
     size_t bytes = 0;
     if (col->status != vsNULL) {
+        // To the conversions no room means room without end, so it is measured.
+        char *text = *strsize != 0 ? str : nullptr;
         status = b_convertOakValueToBuffer(col, OAK_CHAR, OAK_YYYYMMDD, '-', OAK_HHMMSSFFFF,
-                                           tz_disp, str, *strsize, nullptr, &bytes);
+                                           tz_disp, text, *strsize, nullptr, &bytes);
+        if (status == sOKAY && text == nullptr && str != nullptr) {
+            status = sTRUNCATE;
+        }
     }
     if (status == sOKAY || status == sTRUNCATE) {
         *strsize = bytes;

@@ -175,6 +175,14 @@ TEST(ColumnCopy, WritesTextWithItsSize) {
     EXPECT_EQ(sch_col_copy_to_str_fcn(c.ci, 0, text, &size, &has_value, &word), sTRUNCATE);
     EXPECT_STREQ(text, "too");
     EXPECT_EQ(has_value, 1);
+    size = 0; // no room: nothing is written
+    std::strcpy(text, "before");
+    EXPECT_EQ(sch_col_copy_to_str_fcn(c.ci, 0, text, &size, nullptr, &number), sTRUNCATE);
+    EXPECT_EQ(size, 6u);
+    EXPECT_STREQ(text, "before");
+    size = 0;
+    EXPECT_EQ(sch_col_copy_to_str_fcn(c.ci, 0, nullptr, &size, nullptr, &number), sOKAY);
+    EXPECT_EQ(size, 6u);
 }
 
 TEST(ColumnCopy, ComesFromARecordBuffer) {

@@ -292,6 +292,10 @@ TEST(Catalog, RefusesEachMemberBeyondItsBounds) {
         {"\"colid\": 2, \"name\": \"marks\"", "\"colid\": -1, \"name\": \"marks\""},
         {"\"keyid\": 0, \"usage\"", "\"keyid\": 2, \"usage\""},
         {"\"domid\": \"0\"", "\"domid\": \"2\""},
+        {"\"keyid\": 0, \"usage\"", "\"keyid\": 65536, \"usage\""},
+        {"\"r_tabid\": \"1\"", "\"r_tabid\": \"one\""},
+        {"\"refid\": 0, \"dwrid\"", "\"refid\": 65536, \"dwrid\""},
+        {"{\"colid\": \"0\", \"order\": \"desc\"}]}", "{\"colid\": \"x\"}]}"},
         {"\"domid\": \"0\"", "\"domid\": \"x\""},
         {"\"r_tabid\": \"1\"", "\"r_tabid\": \"0\""}, // the system table
         {"\"r_tabid\": \"1\", ", ""},
