@@ -54,13 +54,20 @@ struct SCHLOAD_TABLE {
     SCHLOAD_REF *refs;
 };
 
+// A step of the way to the member being read, in the frame that reads it.
+struct PathNode {
+    const PathNode *outer;
+    const char *name; // of a pair; null for an element of a list
+    uint32_t number;  // of the element
+};
+
 struct SCHLOAD {
     OSL_MEMTAG tag; // of the working records
     OAK_JSON_OBJ json;
     OAK_BOOL_T unicode_enabled;
     SCH_LOAD_WHERE *where;
-    size_t path_length;
-    size_t entries_left; // how many array entries capacities may still ask for
+    const PathNode *path; // the member being read, the innermost first
+    size_t entries_left;  // how many array entries capacities may still ask for
 
     OAK_TBL_INDEX next_table;
     OAK_TBL_INDEX max_tables;
@@ -100,27 +107,36 @@ OAK_RETCODE refuse(SCHLOAD &s, const char *reason) {
 
 // ---- The path of the member being read --------------------------------------
 
-void path_append(SCHLOAD &s, const char *format, const char *name, uint32_t number) {
-    char *end = s.where->path + s.path_length;
-    const size_t room = SCH_LOAD_PATH_SIZE - s.path_length;
-    const int32_t length = name != nullptr ? osl_snprintf(end, room, "%s%s", format, name)
-                                           : osl_snprintf(end, room, "[%u]", number);
+// Writes the nodes from the outermost on; returns where the text ends.
+size_t write_path(const PathNode *node, char *text, size_t size) {
+    if (node == nullptr) {
+        return 0;
+    }
+    const size_t begin = write_path(node->outer, text, size);
+    const char *dot = node->outer != nullptr ? "." : "";
+    const int32_t length = node->name != nullptr
+                               ? osl_snprintf(text + begin, size - begin, "%s%s", dot, node->name)
+                               : osl_snprintf(text + begin, size - begin, "[%u]", node->number);
     const size_t wanted = length > 0 ? static_cast<size_t>(length) : 0;
-    s.path_length += wanted < room ? wanted : room - 1;
+    return wanted < size - begin ? begin + wanted : size - 1;
 }
 
-// Cuts the path back to what it was; a failure leaves it where it happened.
-void path_cut(SCHLOAD &s, size_t length) {
-    s.path_length = length;
-    s.where->path[length] = 0;
+// Keeps the path of the first refusal; the text is made only then.
+void remember_path(SCHLOAD &s) {
+    if (s.where->path[0] == 0) {
+        write_path(s.path, s.where->path, SCH_LOAD_PATH_SIZE);
+    }
 }
 
 // ---- Generic walk -----------------------------------------------------------
 
 const SCHLOAD_ELEM_ITEM *find_item(const SCHLOAD_ELEM_ITEM *items, size_t num_items,
                                    const char *name) {
+    constexpr char kCaseBit = 'a' ^ 'A';
+    const char first = static_cast<char>(name[0] | kCaseBit);
     for (size_t i = 0; i < num_items; ++i) {
-        if (strcasecmp(items[i].name, name) == 0) {
+        // Members begin with lower-case letters: most rows are passed by this alone.
+        if (items[i].name[0] == first && strcasecmp(items[i].name, name) == 0) {
             return &items[i];
         }
     }
@@ -155,26 +171,29 @@ OAK_RETCODE status_of_object(OAK_RETCODE status) {
 
 // Walks the members of the object that was just opened.
 OAK_RETCODE process_members(SCHLOAD &s, const SCHLOAD_ELEM_ITEM *items, size_t num_items) {
-    const size_t path_length = s.path_length;
+    PathNode node{s.path, nullptr, 0};
     uint64_t seen = 0;
     for (;;) {
         OAK_JSON_VALTYPE type = jvNOVAL;
         OAK_JSON_PAIR pair{};
         OAK_RETCODE status = b_jsonNextPair(s.json, &type, &pair);
         if (status == sOKAY && type == jvEND) {
+            s.path = node.outer;
             return sOKAY;
         }
-        if (pair.name != nullptr) {
-            path_append(s, path_length == 0 ? "" : ".", pair.name, 0);
-        }
+        node.name = pair.name;
+        s.path = pair.name != nullptr ? &node : node.outer;
         if (status == sOKAY) {
             status = process_pair(s, pair, items, num_items, seen);
         }
+        if (status < sOKAY) {
+            remember_path(s);
+        }
         b_jsonFreePair(s.json, &pair);
         if (status < sOKAY) {
+            s.path = node.outer;
             return status_of_object(status);
         }
-        path_cut(s, path_length);
     }
 }
 
@@ -186,15 +205,16 @@ OAK_RETCODE process_object(SCHLOAD &s, const SCHLOAD_ELEM_ITEM (&items)[kCount])
 
 // Reads the elements of the array that was just opened; each must be of `type`.
 OAK_RETCODE process_array(SCHLOAD &s, OAK_JSON_VALTYPE type, SCHLOAD_FCN fcn) {
-    const size_t path_length = s.path_length;
-    for (uint32_t number = 0;; ++number) {
+    PathNode node{s.path, nullptr, 0};
+    OAK_RETCODE status = sOKAY;
+    s.path = &node;
+    for (; status >= sOKAY; ++node.number) {
         OAK_JSON_VALTYPE got = jvNOVAL;
         OAK_JSON_VAL value{};
-        OAK_RETCODE status = b_jsonNextValue(s.json, &got, &value);
+        status = b_jsonNextValue(s.json, &got, &value);
         if (status == sOKAY && got == jvEND) {
-            return sOKAY;
+            break;
         }
-        path_append(s, nullptr, nullptr, number);
         if (status == sOKAY && got != type) {
             status = refuse(s, "the element is of another kind than the list's");
         }
@@ -202,10 +222,11 @@ OAK_RETCODE process_array(SCHLOAD &s, OAK_JSON_VALTYPE type, SCHLOAD_FCN fcn) {
             status = fcn(s, value);
         }
         if (status < sOKAY) {
-            return status;
+            remember_path(s);
         }
-        path_cut(s, path_length);
     }
+    s.path = node.outer;
+    return status >= sOKAY ? sOKAY : status;
 }
 
 // An array of objects: `kCurrent` is the object being read, none between them.
@@ -832,7 +853,10 @@ constexpr SCHLOAD_ELEM_ITEM database_items[] = {
 };
 
 OAK_RETCODE process_database(SCHLOAD &s) {
+    const PathNode node{nullptr, "database", 0};
+    s.path = &node;
     const OAK_RETCODE status = process_object(s, database_items);
+    s.path = nullptr;
     if (status == sOKAY && sch_num_domains(s.sch) > sch_next_domain(s.sch)) {
         return refuse(s, "nodoms is above maxdoms");
     }
@@ -913,8 +937,9 @@ OAK_RETCODE link_tables(SCHLOAD &s) {
         const OAK_RETCODE status = link_table(s.tables[i], offset++);
         if (status != sOKAY) {
             const char *name = sch_tbl_name(s.tables[i].ti);
-            path_cut(s, 0);
-            path_append(s, "database.tables: ", name != nullptr ? name : "a table", 0);
+            OAK_IGNORE_STATUS(osl_snprintf(s.where->path, SCH_LOAD_PATH_SIZE, "database.tables: %s",
+                                           name != nullptr ? name : "a table"),
+                              "a long name is cut");
             s.where->reason = "a key or reference names what is not there";
             return status;
         }
@@ -942,9 +967,6 @@ OAK_RETCODE open_database_object(SCHLOAD &s) {
     b_jsonFreePair(s.json, &pair);
     if (status == sOKAY && !is_database) {
         return refuse(s, "the first pair is not \"database\" with an object");
-    }
-    if (status == sOKAY) {
-        path_append(s, "", "database", 0);
     }
     return status;
 }
