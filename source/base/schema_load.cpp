@@ -132,11 +132,8 @@ void remember_path(SCHLOAD &s) {
 
 const SCHLOAD_ELEM_ITEM *find_item(const SCHLOAD_ELEM_ITEM *items, size_t num_items,
                                    const char *name) {
-    constexpr char kCaseBit = 'a' ^ 'A';
-    const char first = static_cast<char>(name[0] | kCaseBit);
     for (size_t i = 0; i < num_items; ++i) {
-        // Members begin with lower-case letters: most rows are passed by this alone.
-        if (items[i].name[0] == first && strcasecmp(items[i].name, name) == 0) {
+        if (is_word(items[i].name, name)) {
             return &items[i];
         }
     }

@@ -120,11 +120,18 @@ constexpr const char *word_of(const SCHEMA_ITEM<Value> (&items)[kCount], Value v
     return nullptr;
 }
 
+/// True for a word of a table, which begins with a lower-case letter, in any case:
+/// that letter alone passes over most rows.
+inline bool is_word(const char *of_table, const char *word) {
+    constexpr char kCaseBit = 'a' ^ 'A';
+    return of_table[0] == static_cast<char>(word[0] | kCaseBit) && strcasecmp(of_table, word) == 0;
+}
+
 /// The row of a word; null when it is none of the table's.
 template <class Value, size_t kCount>
 const SCHEMA_ITEM<Value> *item_of(const SCHEMA_ITEM<Value> (&items)[kCount], const char *word) {
     for (const SCHEMA_ITEM<Value> &item : items) {
-        if (strcasecmp(item.name, word) == 0) {
+        if (is_word(item.name, word)) {
             return &item;
         }
     }
