@@ -3,10 +3,11 @@
 //
 // Writer and reader agree on every byte, with four differences by design. The
 // writer takes the links of the i-th live AVL key from the row's i-th record and
-// writes the key's number; the reader puts them back by the number's rank. The
-// writer leaves out rowid and foreign key columns, which the reader restores or
-// marks whatever the stream holds. And a stream says nothing of a column that
-// cannot be NULL and was not set: it reads back as vsNOVAL, not as a default.
+// writes the key's number; the reader puts them back by the number's rank. Joins
+// go by reference index on both sides, so that those of a reference whose index
+// is not below the count of references are not kept. The writer leaves out rowid and foreign key
+// columns, which the reader restores or marks whatever the stream holds. And a stream says nothing
+// of a column that cannot be NULL and was not set: it reads back as vsNOVAL, not as a default.
 #include "row_compact.h"
 
 #include "base_internal.h"
@@ -24,7 +25,11 @@ constexpr OAK_HAS_VALUE_T kHasValue = 1;
 
 // ---- Writing ----------------------------------------------------------------
 
+// False for the null that stands where the table counts a column that it lacks.
 bool is_storable(SCH_COL_INFO_C ci, OAK_COL_INDEX position, const OAK_ROW *row) {
+    if (ci == nullptr) {
+        return false;
+    }
     const OAK_ROW_DATA_BUFFER &data = row->data.b;
     const VAL_STATUS status = data.col_status[position];
     const bool present =
@@ -59,19 +64,24 @@ OAK_RETCODE pack_avls(const OAK_ROW *row, B_ENCODER encoder) {
     return status;
 }
 
-OAK_REF_INDEX count_owners(const OAK_ROW *row) {
-    OAK_REF_INDEX owners = 0;
+// A join that has an owner and whose reference was not dropped.
+bool is_joined(const OAK_ROW *row, OAK_REF_INDEX ndx) {
+    return row->joins[ndx].owner != 0 && row->ti->refs[ndx] != nullptr;
+}
+
+OAK_REF_INDEX count_joins(const OAK_ROW *row) {
+    OAK_REF_INDEX joins = 0;
     for (OAK_REF_INDEX i = 0; i < row->ti->num_refs; ++i) {
-        owners = static_cast<OAK_REF_INDEX>(owners + (row->joins[i].owner != 0 ? 1 : 0));
+        joins = static_cast<OAK_REF_INDEX>(joins + (is_joined(row, i) ? 1 : 0));
     }
-    return owners;
+    return joins;
 }
 
 OAK_RETCODE pack_joins(const OAK_ROW *row, B_ENCODER encoder) {
-    OAK_REF_INDEX left = count_owners(row);
+    OAK_REF_INDEX left = count_joins(row);
     OAK_RETCODE status = encoderEncodeUintmax(encoder, left);
-    for (OAK_REF_INDEX i = 0; status == sOKAY && left > 0 && i < row->ti->num_refs; ++i) {
-        if (row->joins[i].owner != 0 && row->ti->refs[i] != nullptr) {
+    for (OAK_REF_INDEX i = 0; status == sOKAY && left > 0; ++i) {
+        if (is_joined(row, i)) {
             status = encoderEncodeUintmax(encoder, i);
             if (status == sOKAY) {
                 status = encoderEncodeUintmax(encoder, row->joins[i].owner);
@@ -94,7 +104,7 @@ OAK_RETCODE pack_columns(const OAK_ROW *row, B_ENCODER encoder) {
         OAK_COL_INDEX size = 1;
         for (++position; position < num_cols; ++position, ++size) {
             const SCH_COL_INFO_C next = live_column(row->ti, position);
-            if (next->ndx != first->ndx + size || !is_storable(next, position, row)) {
+            if (!is_storable(next, position, row) || next->ndx != first->ndx + size) {
                 break;
             }
         }
@@ -115,7 +125,7 @@ OAK_RETCODE pack_buffer_form(const OAK_ROW *row, B_ENCODER encoder) {
     return status == sOKAY ? pack_columns(row, encoder) : status;
 }
 
-// Copies a whole buffer over what another holds, from its first byte on.
+// Appends a whole buffer to another, whatever its position.
 OAK_RETCODE copy_whole(const OAK_BUFFER *source, OAK_BUFFER *destination) {
     OAK_BUFFER whole = *source; // a view of it, read from 0
     whole.pos = 0;
@@ -123,6 +133,9 @@ OAK_RETCODE copy_whole(const OAK_BUFFER *source, OAK_BUFFER *destination) {
 }
 
 OAK_RETCODE pack_compact_form(const OAK_ROW *row, B_ENCODER encoder) {
+    if (row->data.c.buffer == nullptr) {
+        return eINVNULLARG; // the row was freed
+    }
     auto *buffer = static_cast<OAK_BUFFER *>(encoder->ctx);
     const OAK_RETCODE status = b_buffSeek(buffer, 0);
     return status == sOKAY ? copy_whole(row->data.c.buffer, buffer) : status;
@@ -194,7 +207,8 @@ OAK_RETCODE unpack_counted(OAK_ROW *row, B_DECODER decoder,
 // Before the stream is read every nullable column is NULL.
 void presume_nulls(OAK_ROW *row) {
     for (OAK_COL_INDEX position = 0; position < row->ti->num_cols; ++position) {
-        if (live_column(row->ti, position)->has_value_off != 0) {
+        const SCH_COL_INFO_C ci = live_column(row->ti, position);
+        if (ci != nullptr && ci->has_value_off != 0) {
             row->data.b.col_status[position] = vsNULL;
         }
     }
@@ -215,6 +229,9 @@ OAK_RETCODE skip_value(const OAK_ROW *row, SCH_COL_INFO_C ci, B_DECODER decoder)
         return skip_large_object_mark(decoder);
     }
     const SCH_TYPE_INFO_C type = schema_view::type_of(ci);
+    if (type->type_info == nullptr) {
+        return OAK_DAMAGED(eDBCORRUPTED); // it never had a type, so no value of it was stored
+    }
     OAK_VALUE scratch{};
     const OAK_RETCODE status = type->type_info->unpack_fcn(type, &scratch, row->tag, decoder);
     if (status == sOKAY) {
@@ -251,12 +268,11 @@ OAK_RETCODE unpack_value(OAK_ROW *row, SCH_COL_INFO_C ci, OAK_COL_INDEX position
 }
 
 OAK_RETCODE unpack_column(OAK_ROW *row, uint32_t ndx, B_DECODER decoder) {
-    const SCH_COL_INFO_C ci =
-        ndx < row->ti->next_col ? row->ti->cols[static_cast<OAK_COL_INDEX>(ndx)] : nullptr;
+    const SCH_COL_INFO_C ci = schema_view::column_at(row->ti, ndx);
     if (ci == nullptr) {
         return OAK_DAMAGED(eDBCORRUPTED); // a column that the table does not have
     }
-    const OAK_COL_INDEX position = schema_view::live_position(row->ti, ci->ndx);
+    const OAK_COL_INDEX position = schema_view::live_position(row->ti, ci);
     if (position == OAK_INDEX_NONE) {
         return skip_value(row, ci, decoder);
     }
@@ -294,6 +310,9 @@ OAK_RETCODE unpack_columns(OAK_ROW *row, B_DECODER decoder) {
 void restore_unstored(OAK_ROW *row) {
     for (OAK_COL_INDEX position = 0; position < row->ti->num_cols; ++position) {
         const SCH_COL_INFO_C ci = live_column(row->ti, position);
+        if (ci == nullptr) {
+            continue;
+        }
         if (schema_view::is_foreign_key(ci)) {
             row->data.b.col_status[position] = vsNOVAL;
         } else if (schema_view::is_rowid(ci)) {
@@ -348,7 +367,8 @@ OAK_RETCODE unpack_compact_form(OAK_ROW *row, B_DECODER decoder) {
 // ---- Internal ---------------------------------------------------------------
 
 bool calc_storable_buffer(SCH_COL_INFO_C ci, const OAK_ROW *row) {
-    return is_storable(ci, schema_view::live_position(row->ti, ci->ndx), row);
+    const OAK_COL_INDEX position = schema_view::live_position(row->ti, ci);
+    return position != OAK_INDEX_NONE && is_storable(ci, position, row);
 }
 
 OAK_RETCODE row_pack_compact_column_group_buffer(OAK_COL_INDEX grp_first, OAK_COL_INDEX grp_size,

@@ -16,10 +16,11 @@
 
 OAK_C_BEGIN
 
-/* Writes the row. A row in compact form copies its stream over what the
- * encoder's context, which must then be an OAK_BUFFER, holds.
+/* Writes the row. A row in compact form appends its stream as it is to the
+ * encoder's context, which must then be an OAK_BUFFER, and sets its position
+ * to 0.
  * eNOTIMPLEMENTED  a row in value form; reported on hErr
- * eINVNULLARG      a null row or encoder
+ * eINVNULLARG      a null row or encoder, or a compact row that was freed
  * else the encoder's status and that of the types' pack functions; the stream
  * is then to be thrown away. */
 OAK_API OAK_RETCODE row_pack_compact(const OAK_ROW *row, B_ENCODER encoder);

@@ -11,11 +11,18 @@ static_assert(sizeof(size_t) == 8, "the stored length has 8 bytes");
 
 namespace {
 
+// Exactly `size` bytes; a source that delivers fewer has ended.
+OAK_RETCODE read_bulk(B_DECODER decoder, void *data, size_t size) {
+    size_t got = 0;
+    const OAK_RETCODE status = b_decoderDecodeBytesBulk(decoder, size, data, &got);
+    return status == sOKAY && got != size ? eEOD : status;
+}
+
 OAK_RETCODE unpack_image(OAK_ROW *row, B_DECODER decoder) {
     OAK_RETCODE status = b_decoderSeek(decoder, 0);
     size_t data_len = 0;
     if (status == sOKAY) {
-        status = b_decoderDecodeBytesBulk(decoder, sizeof data_len, &data_len, nullptr);
+        status = read_bulk(decoder, &data_len, sizeof data_len);
     }
     if (status != sOKAY) {
         return status;
@@ -25,7 +32,7 @@ OAK_RETCODE unpack_image(OAK_ROW *row, B_DECODER decoder) {
     }
     status = row_allocate(row);
     if (status == sOKAY && data_len != 0) {
-        status = b_decoderDecodeBytesBulk(decoder, data_len, row->row_data, nullptr);
+        status = read_bulk(decoder, row->row_data, data_len);
     }
     return status;
 }

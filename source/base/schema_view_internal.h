@@ -14,14 +14,23 @@ inline const OAK_ROW_BUFFER_INFO &row_layout(SCH_TBL_INFO_C ti) {
     return ti->bufferInfo;
 }
 
-/// The column at a position among the live columns, below num_cols.
+/// The column with an index, live or dropped; null where the table has none.
+inline SCH_COL_INFO_C column_at(SCH_TBL_INFO_C ti, uint32_t ndx) {
+    return ndx < ti->next_col ? ti->cols[ndx] : nullptr;
+}
+
+/// The column at a position among the live columns, below num_cols. Null where the
+/// catalog counted more columns than it named: only a named column was laid out
+/// and has a place in the row buffer.
 inline SCH_COL_INFO_C live_column(SCH_TBL_INFO_C ti, OAK_COL_INDEX position) {
-    return ti->cols[ti->active_ndx != nullptr ? ti->active_ndx[position] : position];
+    const SCH_COL_INFO_C ci =
+        column_at(ti, ti->active_ndx != nullptr ? ti->active_ndx[position] : position);
+    return ci != nullptr && ci->name != nullptr ? ci : nullptr;
 }
 
 /// The position of a column among the live ones; OAK_INDEX_NONE for a dropped one.
-inline OAK_COL_INDEX live_position(SCH_TBL_INFO_C ti, OAK_COL_INDEX ndx) {
-    return ti->active_ndx != nullptr ? sch_find_col_active_ndx(ti, ndx) : ndx;
+inline OAK_COL_INDEX live_position(SCH_TBL_INFO_C ti, SCH_COL_INFO_C ci) {
+    return ci->name != nullptr ? sch_find_col_active_ndx(ti, ci->ndx) : OAK_INDEX_NONE;
 }
 
 /// The effective type: the domain's where the column has one.

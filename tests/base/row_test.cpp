@@ -53,7 +53,8 @@ class RowBench {
         ASSERT_EQ(row_allocate(&row_), sOKAY);
         row_point(&row_);
         for (OAK_COL_INDEX p = 0; p < ti_->num_cols; ++p) {
-            if (schema_view::live_column(ti_, p)->has_value_off != 0) {
+            const SCH_COL_INFO_C ci = schema_view::live_column(ti_, p);
+            if (ci != nullptr && ci->has_value_off != 0) {
                 row_.data.b.col_status[p] = vsNULL;
             }
         }
@@ -769,6 +770,120 @@ TEST(CompactRow, TellsWhichColumnsAreStorable) {
         row.row_.data.b.col_status[0] = status;
         EXPECT_FALSE(calc_storable_buffer(plain, &row.row_));
     }
+}
+
+TEST(CompactRow, HasNoPlaceForADroppedColumn) {
+    const oaktest::Catalog catalog(three_ints());
+    const SCH_TBL_INFO ti = catalog.table("t");
+    const SCH_COL_INFO dropped = sch_get_col_by_index(ti, 1);
+    ASSERT_EQ(sch_tbl_col_drop(dropped), sOKAY);
+    ASSERT_EQ(sch_tbl_finalize(ti, OAK_FALSE), sOKAY);
+    RowBench row(ti);
+    EXPECT_FALSE(calc_storable_buffer(dropped, &row.row_));
+}
+
+// A table may count columns that it lacks: one without a name was never laid out
+// and reads as a dropped one, and a number without a column stands for nothing.
+TEST(CompactRow, PassesOverColumnsThatAreCountedAndNotThere) {
+    const std::string unnamed = R"({"colid": 1, "type": {"data_type": "int64"}},)";
+    const oaktest::Catalog with_unnamed(
+        one_table(int32_column(0) + "," + unnamed + int32_column(2), 3));
+    RowBench row(with_unnamed.table("t"));
+    ASSERT_EQ(row.unpack_compact("0000 0300 02 04 06 00"), sOKAY);
+    EXPECT_EQ(row.get<int32_t>(0), 1);
+    EXPECT_EQ(row.get<int32_t>(2), 3);
+    EXPECT_EQ(row.status(1), vsNOVAL);
+    EXPECT_EQ(row.compact(), "0000"
+                             "010002"
+                             "010206"
+                             "00");
+
+    const oaktest::Catalog only_unnamed(
+        one_table(R"({"colid": 0, "type": {"data_type": "char", "length": 100}})", 1));
+    RowBench empty(only_unnamed.table("t"));
+    EXPECT_EQ(empty.ti_->byte_len, 0u);
+    ASSERT_EQ(empty.unpack_compact("0000 0100 03616263 00"), sOKAY);
+    EXPECT_EQ(empty.compact(), "000000");
+
+    const std::string text = one_table(int32_column(0), 1);
+    for (const char *counts : {R"("nocols": 9, "nextcol": 1, "maxcols": 1)",
+                               R"("nocols": 9, "nextcol": 4, "maxcols": 4)"}) {
+        const std::string from = R"("nocols": 1, "nextcol": 1, "maxcols": 1)";
+        std::string more = text;
+        more.replace(more.find(from), from.size(), counts);
+        const oaktest::Catalog catalog(more);
+        RowBench nine(catalog.table("t"));
+        ASSERT_EQ(nine.unpack_compact("0000 0100 02 00"), sOKAY);
+        EXPECT_EQ(nine.get<int32_t>(0), 1);
+        EXPECT_EQ(nine.compact(), "0000"
+                                  "010002"
+                                  "00");
+        EXPECT_EQ(nine.unpack_compact("0000 0200 02 04 00"), eDBCORRUPTED);
+    }
+}
+
+TEST(CompactRow, RefusesAValueOfAColumnThatNeverHadAType) {
+    std::string text = one_table(R"({"colid": 0, "domid": "0"},)" + int32_column(1), 2);
+    const std::string tables = R"("tables")";
+    text.insert(text.find(tables), R"("maxdoms": 1, "domains": [{"domid": 0}], )");
+    const oaktest::Catalog catalog(text);
+    RowBench row(catalog.table("t"));
+    ASSERT_EQ(row.unpack_compact("0000 0101 02 00"), sOKAY);
+    EXPECT_EQ(row.unpack_compact("0000 0100 02 00"), eDBCORRUPTED);
+}
+
+TEST(CompactRow, CountsNoJoinOfADroppedReference) {
+    std::string text = linked_tables();
+    const std::string from = R"("norefs": 1, "maxrefs": 1)";
+    text.replace(text.find(from), from.size(), R"("norefs": 2, "maxrefs": 2)");
+    const std::string refs = R"("refs": [)";
+    text.insert(text.find(refs) + refs.size(), R"({"refid": 1, "name": "second", "otabid": "1",
+        "pkeyid": "0", "nocols": 0},)");
+    const oaktest::Catalog catalog(text);
+    const SCH_TBL_INFO ti = catalog.table("t");
+    {
+        RowBench row(ti);
+        row.row_.joins[0].owner = 5;
+        row.row_.joins[1].owner = 6;
+        EXPECT_EQ(row.compact(), "02"
+                                 "0000000001000000"
+                                 "02"
+                                 "00050106"
+                                 "00");
+    }
+    ASSERT_EQ(sch_ref_drop(ti, 0), sOKAY);
+    ASSERT_EQ(sch_tbl_finalize(ti, OAK_FALSE), sOKAY);
+    RowBench row(ti);
+    row.row_.joins[0].owner = 5; // the place of the dropped one
+    EXPECT_EQ(row.compact(), "02"
+                             "0000000001000000"
+                             "00"
+                             "00");
+    ASSERT_EQ(row.unpack_compact("02 00000000 01000000 02 0005 0106 00"), sOKAY);
+    EXPECT_EQ(row.row_.joins[0].owner, 0u);
+}
+
+TEST(RowForms, RefuseToPackACompactRowThatWasFreed) {
+    const oaktest::Catalog catalog(three_ints());
+    RowBench row(catalog.table("t"));
+    ASSERT_EQ(row_convert(&row.row_, OAK_ROW_FORMAT_COMPACT), sOKAY);
+    row_free(&row.row_);
+    EXPECT_EQ(row_pack_compact(&row.row_, row.encoder_), eINVNULLARG);
+    EXPECT_EQ(row_convert(&row.row_, OAK_ROW_FORMAT_BUFFER), eSYS_ERROR);
+}
+
+TEST(ExpandedRow, TakesASourceThatDeliversTooLittleForOneThatEnds) {
+    const oaktest::Catalog catalog(three_ints());
+    RowBench row(catalog.table("t"));
+    const auto half = [](OAK_INPUT_CTX ctx, size_t requested, void *data, size_t *got) {
+        return b_buffInputBytesBulk(ctx, requested / 2, data, got);
+    };
+    row.load(Bytes(40));
+    B_DECODER decoder = nullptr;
+    ASSERT_EQ(b_decoderCreate(b_buffInputByte, half, &row.buffer_, row.tag_, &decoder), sOKAY);
+    OAK_ROW other{};
+    EXPECT_EQ(row_unpack_expanded(&other, decoder, 1, row.ti_, row.tag_, nullptr, nullptr), eEOD);
+    b_decoderDestroy(decoder);
 }
 
 TEST(CompactRow, ReturnsTheEncodersFailureAtEveryByte) {
