@@ -645,7 +645,7 @@ constexpr SCHLOAD_ELEM_ITEM key_items[] = {
     {"type", jvSTRING, word<sch_key_set_type, &SCHLOAD::ki, key_type_items>},
     {"method", jvSTRING, word<sch_key_set_method, &SCHLOAD::ki, key_method_items>},
     {"restrict", jvBOOLEAN, schload_key_restrict},
-    {"refcount", jvNUMBER, number<sch_key_set_refcount, &SCHLOAD::ki, 0, k32>},
+    {"refcount", jvNUMBER, number<sch_key_set_refcount, &SCHLOAD::ki, 0, INT64_MAX>},
     {"nocols", jvNUMBER, capacity<sch_key_set_num_elems, &SCHLOAD::ki, k16>},
     {"cols", jvARRAY, schload_key_cols},
 };
@@ -836,7 +836,7 @@ constexpr SCHLOAD_ELEM_ITEM database_items[] = {
     {"name", jvSTRING, text<sch_set_name, &SCHLOAD::sch>},
     {"locale", jvSTRING, text<sch_set_locale, &SCHLOAD::sch>},
     {"encryption", jvSTRING, word<sch_set_encryption, &SCHLOAD::sch, encryption_items>},
-    {"maxdrawers", jvNUMBER, capacity<sch_set_max_drawer, &SCHLOAD::sch, k32>},
+    {"maxdrawers", jvNUMBER, number<sch_set_max_drawer, &SCHLOAD::sch, 0, k32>},
     {"nodrawers", jvNUMBER, number<sch_set_num_drawers, &SCHLOAD::sch, 0, k32>},
     {"nextdrawer", jvNUMBER, number<sch_set_next_drawer, &SCHLOAD::sch, 0, k32>},
     {"nodoms", jvNUMBER, number<sch_set_num_domains, &SCHLOAD::sch, 0, k16>},
