@@ -509,15 +509,15 @@ OAK_BOOL_T sch_types_compatible(OAK_TYPE type1, OAK_TYPE type2) {
 }
 
 OAK_RETCODE sch_col_set_default(SCH_COL_INFO ci, const char *val) {
-    if (ci == nullptr) {
-        return eINVNULLARG;
-    }
-    return set_default(val, &ci->defstr, &ci->def, type_of(ci), ci->type.sch->tag, true);
+    const OAK_RETCODE status = oak::schema::changeable(ci);
+    return status == sOKAY
+               ? set_default(val, &ci->defstr, &ci->def, type_of(ci), oak::schema::tag_of(ci), true)
+               : status;
 }
 
 OAK_RETCODE sch_dom_set_default(SCH_DOMAIN_INFO mi, const char *val) {
-    if (mi == nullptr) {
-        return eINVNULLARG;
-    }
-    return set_default(val, &mi->defstr, &mi->def, &mi->type, mi->type.sch->tag, false);
+    const OAK_RETCODE status = oak::schema::changeable(mi);
+    return status == sOKAY
+               ? set_default(val, &mi->defstr, &mi->def, &mi->type, oak::schema::tag_of(mi), false)
+               : status;
 }

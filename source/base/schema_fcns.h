@@ -90,7 +90,8 @@ OAK_API OAK_BOOL_T sch_types_compatible(OAK_TYPE type1, OAK_TYPE type2);
  * "current_timestamp" and "auto" (on UUIDs) are kept as such, in any case;
  * "auto" is the one default of a rowid, and leaves the value vsNOVAL.
  * sOKAY, or a positive status of a decimal with the value kept
- * eBADCAT          no value of the type, or out of its range
+ * eBADCAT          no value of the type, or out of its range; or a column of the
+ *                  system table, which nothing changes
  * eNOTIMPLEMENTED  the type has no defaults (wide large objects stored as UTF-8
  *                  have one in a domain alone)
  * the statuses of numbers, dates and UUIDs as they stand; eNOMEMORY

@@ -548,6 +548,13 @@ TEST(ColumnOperations, RefuseNullArguments) {
     EXPECT_EQ(sch_col_assign_from_buff_fcn(c.ci, nullptr, data, 4, nullptr), eINVNULLARG);
 }
 
+TEST(Default, IsRefusedForAColumnOfTheSystemTable) {
+    const oaktest::Catalog catalog(one_table("", 0));
+    const SCH_TBL_INFO system = sch_find_table_by_ndx(catalog.schema(), 0);
+    EXPECT_EQ(sch_col_set_default(sch_get_col_by_index(system, 0), "x"), eBADCAT);
+    EXPECT_EQ(sch_col_defstr(sch_get_col_by_index(system, 0)), nullptr);
+}
+
 TEST(Default, KeepsItsTextAndNoValueWhenMemoryEnds) {
     // Not timestamptz: such payloads stay with the schema's tag by design.
     const struct {
