@@ -133,8 +133,12 @@ inline std::string hex_of(const Bytes &bytes) {
     return text;
 }
 
-/// Years are counted down from 0001 one by one.
+/// Years are counted down from 0001 one by one. A number that is no date is shown as
+/// it is.
 inline std::string date_text(uint64_t days) {
+    if (days == 0 || days > 3652059) {
+        return std::to_string(days);
+    }
     const auto is_leap = [](unsigned y) { return y % 4 == 0 && (y % 100 != 0 || y % 400 == 0); };
     unsigned year = 1, month = 1;
     for (; days > (is_leap(year) ? 366u : 365u); ++year) {

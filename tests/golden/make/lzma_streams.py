@@ -265,7 +265,7 @@ def main():
     ]
     print("# LZMA streams: the length of the object as a varying unsigned integer, then the")
     print("# bytes of the range coder, of which the first is always 0. Written by")
-    print("# make/lzma.py, a plain encoder of its own. Lines with '=' give the object.")
+    print("# make/lzma_streams.py, a plain encoder of its own. Lines with '=' give the object.")
     for name, data in samples:
         encoder = Encoder(data)
         stream = encoder.run()
