@@ -10,10 +10,14 @@
 
 #include "berror_legacy.h"
 #include "errorapi.h"
+#include "json_writer.h"
 #include "oakcmdlineapi.h"
+#include "program.h"
 #include "rettables.h"
 
 namespace {
+
+using tools::JsonWriter;
 
 constexpr OAK_CMDLINE_OPT_A kOptions[] = {
     {"j", "json", nullptr, "Print one JSON object for programs"},
@@ -116,101 +120,42 @@ const char *group_of(OAK_RETCODE code) {
 
 // ---- JSON ------------------------------------------------------------------
 
-// How many bytes a character has whose first byte is `lead`; 0 for none.
-size_t length_by_lead(unsigned lead) {
-    if (lead < 0x80) {
-        return 1;
-    }
-    if (lead < 0xC2 || lead > 0xF4) {
-        return 0;
-    }
-    return lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-}
-
-// How many bytes the UTF-8 character at `text` has; 0 when it is none.
-size_t character_length(const unsigned char *text) {
-    const unsigned lead = text[0];
-    const size_t length = length_by_lead(lead);
-    for (size_t i = 1; i < length; ++i) {
-        if ((text[i] & 0xC0) != 0x80) {
-            return 0;
-        }
-    }
-    const bool overlong = (lead == 0xE0 && text[1] < 0xA0) || (lead == 0xF0 && text[1] < 0x90);
-    const bool no_character = (lead == 0xED && text[1] > 0x9F) || (lead == 0xF4 && text[1] > 0x8F);
-    return overlong || no_character ? 0 : length;
-}
-
-// What is no UTF-8 is shown as U+FFFD, so that the output is always valid.
-void print_json_text(const char *text) {
-    if (text == nullptr) {
-        osl_log("null");
-        return;
-    }
-    osl_log("\"");
-    const unsigned char *next = reinterpret_cast<const unsigned char *>(text);
-    while (*next != '\0') {
-        const size_t length = character_length(next);
-        if (length == 0) {
-            osl_log("\\ufffd");
-        } else if (*next == '"' || *next == '\\') {
-            osl_log("\\%c", *next);
-        } else if (*next < ' ') {
-            osl_log("\\u%04x", *next);
-        } else {
-            osl_log("%.*s", static_cast<int>(length), reinterpret_cast<const char *>(next));
-        }
-        next += length == 0 ? 1 : length;
-    }
-    osl_log("\"");
-}
-
-void print_json_member(const char *key, const char *text) {
-    osl_log(",\"%s\":", key);
-    print_json_text(text);
-}
-
-void print_json_start(bool first, const Word &word, uint32_t by) {
+void write_start(JsonWriter &json, const Word &word, uint32_t by) {
     static constexpr const char *kWays[] = {"number", "name", "legacy", "sqlstate"};
-    osl_log("%s{\"word\":", first ? "\n" : ",\n");
-    print_json_text(word.text);
-    osl_log(",\"by\":[");
-    const char *comma = "";
+    json.line().begin_object().member("word", word.text).key("by").begin_array();
     for (uint32_t way = 0; way < 4; ++way) {
         if ((by >> way & 1u) != 0) {
-            osl_log("%s\"%s\"", comma, kWays[way]);
-            comma = ",";
+            json.text(kWays[way]);
         }
     }
-    osl_log("]");
+    json.end_array();
 }
 
-void print_json_legacy(int32_t number) {
-    osl_log(",\"legacy\":{\"number\":%d", number);
-    print_json_member("name", b_errorname(number));
-    print_json_member("text", b_errorstr(number));
-    osl_log("}}");
+void write_legacy(JsonWriter &json, int32_t number) {
+    json.key("legacy").begin_object().key("number").number(number);
+    json.member("name", b_errorname(number)).member("text", b_errorstr(number)).end_object();
 }
 
-void print_json_row(bool first, const Word &word, const OAK_ERRDEFN &row, uint32_t by) {
-    print_json_start(first, word, by);
-    osl_log(",\"code\":%d", row.code);
-    print_json_member("name", row.name);
-    print_json_member("sqlstate", row.sqlstate);
-    print_json_member("group", group_of(row.code));
-    print_json_member("text", row.descr);
+void write_row(JsonWriter &json, const Word &word, const OAK_ERRDEFN &row, uint32_t by) {
+    write_start(json, word, by);
+    json.key("code").number(row.code).member("name", row.name).member("sqlstate", row.sqlstate);
+    json.member("group", group_of(row.code)).member("text", row.descr);
     const int32_t legacy = (by & kByLegacy) != 0 ? word.legacy : b_errorToLegacy(row.code);
     if (legacy == kNoLegacyNumber && (by & kByLegacy) == 0) {
-        osl_log(",\"legacy\":null}");
+        json.key("legacy").null();
     } else {
-        print_json_legacy(legacy);
+        write_legacy(json, legacy);
     }
+    json.end_object();
 }
 
-void print_json_legacy_row(bool first, const Word &word) {
-    print_json_start(first, word, kByLegacy);
-    osl_log(",\"code\":null,\"name\":null,\"sqlstate\":null,\"group\":null,\"text\":null");
-    print_json_legacy(word.legacy);
+void write_legacy_row(JsonWriter &json, const Word &word) {
+    write_start(json, word, kByLegacy);
+    for (const char *key : {"code", "name", "sqlstate", "group", "text"}) {
+        json.key(key).null();
+    }
+    write_legacy(json, word.legacy);
+    json.end_object();
 }
 
 // ---- Text ------------------------------------------------------------------
@@ -331,10 +276,11 @@ void tell_unknown(const Word &word) {
 
 // ---- The answers -----------------------------------------------------------
 
-enum class Output { text, json, none };
+enum class Form { text, json, none };
 
 struct Answer {
-    Output output;
+    Form form;
+    JsonWriter *json; // where the form is JSON
     size_t shown;
 };
 
@@ -344,25 +290,27 @@ bool show_word(Answer *answer, const Word &word) {
     for (const OAK_ERRDEFN &row : oak_errors) {
         const uint32_t by = fits(row, word);
         all |= by;
-        if (by != 0 && answer->output == Output::json) {
-            print_json_row(answer->shown++ == 0, word, row, by);
-        } else if (by != 0 && answer->output == Output::text) {
+        if (by != 0 && answer->form == Form::json) {
+            write_row(*answer->json, word, row, by);
+            ++answer->shown;
+        } else if (by != 0 && answer->form == Form::text) {
             print_row(word, row, by);
         }
     }
     if (!word.is_legacy || (all & kByLegacy) != 0) {
         return all != 0;
     }
-    if (answer->output == Output::json) {
-        print_json_legacy_row(answer->shown++ == 0, word);
-    } else if (answer->output == Output::text) {
+    if (answer->form == Form::json) {
+        write_legacy_row(*answer->json, word);
+        ++answer->shown;
+    } else if (answer->form == Form::text) {
         print_legacy_row(word);
     }
     return true;
 }
 
 bool is_known(const Word &word) {
-    Answer answer = {Output::none, 0};
+    Answer answer = {Form::none, nullptr, 0};
     return show_word(&answer, word);
 }
 
@@ -381,45 +329,60 @@ const char *next_word(OAK_CMDLINE_A *cmd, bool *json) {
     return option != '\0' ? text : nullptr;
 }
 
-void print_json_unknown(OAK_CMDLINE_A cmd) {
-    bool json = false;
-    const char *comma = "";
-    osl_log("\"unknown\":[");
-    while (const char *text = next_word(&cmd, &json)) {
+void write_unknown(JsonWriter &json, OAK_CMDLINE_A cmd) {
+    bool is_json = false;
+    json.key("unknown").begin_array();
+    while (const char *text = next_word(&cmd, &is_json)) {
         if (!is_known(read_word(text))) {
-            osl_log("%s", comma);
-            print_json_text(text);
-            comma = ",";
+            json.text(text);
         }
     }
-    osl_log("]");
+    json.end_array();
 }
 
-// Answers every word and returns the exit status.
-int answer_all(const OAK_CMDLINE_A &start, Output output) {
-    OAK_CMDLINE_A cmd = start;
-    bool json = false;
-    int exit_status = 0;
-    Answer answer = {output, 0};
-    if (output == Output::json) {
-        osl_log("{\"found\":[");
-    }
-    while (const char *text = next_word(&cmd, &json)) {
+// Answers every word; false when one of them is not known.
+bool answer_words(OAK_CMDLINE_A cmd, Answer *answer, tools::Output *output) {
+    bool is_json = false;
+    bool all_known = true;
+    while (const char *text = next_word(&cmd, &is_json)) {
         const Word word = read_word(text);
-        if (!show_word(&answer, word)) {
-            exit_status = 1;
-            if (output != Output::none) {
-                osl_flush(); // what was found stands before what was not
+        if (!show_word(answer, word)) {
+            all_known = false;
+            if (answer->form != Form::none) {
+                output->flush(); // what was found stands before what was not
                 tell_unknown(word);
             }
         }
     }
-    if (output == Output::json) {
-        osl_log("%s],", answer.shown > 0 ? "\n" : "");
-        print_json_unknown(start);
-        osl_log("}\n");
+    return all_known;
+}
+
+bool answer_in_json(const OAK_CMDLINE_A &cmd, tools::Output *output) {
+    JsonWriter json(&output->text());
+    Answer answer = {Form::json, &json, 0};
+    json.begin_object().key("found").begin_array();
+    const bool all_known = answer_words(cmd, &answer, output);
+    if (answer.shown > 0) {
+        json.line();
     }
-    return exit_status;
+    json.end_array();
+    write_unknown(json, cmd);
+    json.end_object();
+    *output << "\n";
+    return all_known;
+}
+
+// Answers the command line and returns the exit status.
+int answer_all(const OAK_CMDLINE_A &cmd, Form form) {
+    tools::Output output;
+    Answer answer = {form, nullptr, 0};
+    const bool all_known =
+        form == Form::json ? answer_in_json(cmd, &output) : answer_words(cmd, &answer, &output);
+    const tools::Complaint complaint = output.finish();
+    if (!complaint.empty()) {
+        tools::say("oakerror", complaint);
+    }
+    return all_known && complaint.empty() ? 0 : 1;
 }
 
 } // namespace
@@ -442,6 +405,6 @@ int main(int argc, char **argv) {
         osl_log_err("error: Missing argument 'WORD' ('--help' for more information)\n");
         return 2;
     }
-    const Output output = json ? Output::json : Output::text;
-    return answer_all(cmd, status.quiet == OAK_TRUE ? Output::none : output);
+    const Form form = json ? Form::json : Form::text;
+    return answer_all(cmd, status.quiet == OAK_TRUE ? Form::none : form);
 }
