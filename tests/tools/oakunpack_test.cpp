@@ -1,0 +1,216 @@
+// The program oakunpack: what it prints and where, and that damage is told and
+// passed over. That every type comes back is shown with oakpack.
+#include "item_file.h"
+#include "tool_run.h"
+
+namespace {
+
+using oaktest::column;
+using oaktest::one_table;
+using oaktest::Result;
+using oaktest::Strings;
+using oaktest::Workplace;
+
+std::string damaged(const std::string &why) {
+    return tools::status_text(eDBCORRUPTED) + ": " + why;
+}
+
+/// An item file with stored objects given as hex, numbered from 1.
+std::string item_file(const std::vector<std::string> &objects) {
+    std::string items;
+    uint64_t row = 0;
+    for (const std::string &text : objects) {
+        std::vector<uint8_t> object = oaktest::unhex(text);
+        object.resize((object.size() + 15) / 16 * 16);
+        const tools::ItemBytes header =
+            tools::item_header(static_cast<uint32_t>(object.size()), ++row);
+        items.append(header.begin(), header.end());
+        items.append(object.begin(), object.end());
+    }
+    const tools::ItemBytes header = tools::file_header(16 + items.size());
+    return std::string(header.begin(), header.end()) + items;
+}
+
+class Bench {
+  public:
+    explicit Bench(const std::string &catalog) { place.write("catalog", catalog); }
+
+    Result unpack(const std::string &items, const Strings &more = {}) const {
+        place.write("items", items);
+        Strings args = {"-c", "catalog", "-t", "t", "items"};
+        args.insert(args.end(), more.begin(), more.end());
+        return place.run("oakunpack", args);
+    }
+
+    Workplace place;
+};
+
+std::string two_columns() {
+    return one_table(
+        column(0, "a", R"("int32")") + "," + column(1, "b", R"("varchar", "length": 9)"), 2);
+}
+
+// The row 5, "x": no AVL keys, no joins, 2 columns from 0, 5 as 10, text of 1.
+constexpr char kRow[] = "11 00 00 02 00 0a 01 78 00";
+
+TEST(Oakunpack, PrintsRowsBehindAHeader) {
+    const Bench bench(two_columns());
+    Result run = bench.unpack(item_file({kRow, "11 00 00 00", "11 00 00 01 01 00 00"}));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.out, "a,b\n5,x\n,\n,\"\"\n");
+    run = bench.unpack(item_file({}));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "a,b\n");
+}
+
+TEST(Oakunpack, WritesToAFileOrToStandardOutput) {
+    const Bench bench(two_columns());
+    Result run = bench.unpack(item_file({kRow}), {"rows.csv"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(bench.place.read("rows.csv"), "a,b\n5,x\n");
+    bench.place.write("rows.csv", std::string(1000, 'x'));
+    bench.unpack(item_file({kRow}), {"rows.csv"});
+    EXPECT_EQ(bench.place.read("rows.csv"), "a,b\n5,x\n") << "what was there is gone";
+    run = bench.place.run("oakunpack", {"-c", "catalog", "-t", "t", "-"}, item_file({kRow}));
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "a,b\n5,x\n");
+}
+
+TEST(Oakunpack, QuotesColumnNamesThatNeedIt) {
+    const Bench bench(one_table(column(0, "a,b", R"("int32")"), 1));
+    EXPECT_EQ(bench.unpack(item_file({})).out, "\"a,b\"\n");
+}
+
+TEST(Oakunpack, ColumnsAddedSinceAreEmpty) {
+    const Bench bench(one_table(
+        column(0, "a", R"("int32")") + "," + column(1, "b", R"("int32")", R"("not_null": "")"), 2));
+    const Result run = bench.unpack(item_file({"11 00 00 01 00 0a 00"}));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "a,b\n5,\n");
+}
+
+TEST(Oakunpack, PassesDamagedItemsOver) {
+    const Bench bench(two_columns());
+    const std::string kind = "oakunpack: items: ";
+    const std::tuple<const char *, OAK_RETCODE> objects[] = {
+        {"13", eSYS_ERROR},                     // no compression method 3
+        {"41", eDBCORRUPTED},                   // no item format 64
+        {"11 00 00 02 00 0a 7f", eDBCORRUPTED}, // a text longer than its column
+        {"11 00 00 01 07 00 00", eDBCORRUPTED}, // column 7
+        {"11 ff ff ff ff ff ff ff ff ff 7f", eINVVARINT},
+        {"21 05", eDBCORRUPTED},                            // a row buffer of 5 bytes
+        {"12 ff ff ff ff ff ff ff ff ff 01", eDBCORRUPTED}, // a length of 2 to the 64th less 1
+    };
+    for (const auto &[object, status] : objects) {
+        const Result run = bench.unpack(item_file({kRow, object, kRow}));
+        EXPECT_EQ(run.status, 1) << object;
+        EXPECT_EQ(run.out, "a,b\n5,x\n5,x\n") << object;
+        EXPECT_EQ(run.err, kind + "item at 48: " + tools::status_text(status) + "\n") << object;
+    }
+}
+
+TEST(Oakunpack, TellsAValueThatHasNoText) {
+    const Bench bench(
+        one_table(column(0, "a", R"("time")") + "," + column(1, "b", R"("bool")"), 2));
+    const Result run = bench.unpack(item_file({
+        "11 00 00 01 00 80 a0 ff 9b 03 00", // 864000000, no time of the day
+        "11 00 00 01 01 06 00",             // 3, no boolean
+        "11 00 00 01 01 02 00",
+    }));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "a,b\n,true\n");
+    EXPECT_EQ(run.err,
+              "oakunpack: items: item at 16: column 'a': " + tools::status_text(eINVLITERAL) +
+                  "\noakunpack: items: item at 48: column 'b': " +
+                  tools::status_text(eDBCORRUPTED) + "\n");
+}
+
+TEST(Oakunpack, TellsALargeObjectWhoseValueLiesElsewhere) {
+    const Bench bench(
+        one_table(column(0, "a", R"("int32")") + "," + column(1, "b", R"("blob")", R"("dwrid": 6)"),
+                  2, "", R"(, {"dwrid": 6, "tabid": "1", "srcid": 1, "type": "blob"})", 7));
+    const Result run = bench.unpack(item_file({"11 00 00 02 00 0a 01 00", "11 00 00 01 00 0a 00"}));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "a,b\n5,\n");
+    EXPECT_EQ(run.err, "oakunpack: items: item at 16: column 'b' has a value that lies outside the "
+                       "row\n");
+}
+
+TEST(Oakunpack, TellsDamagedHeadersAndEndings) {
+    const Bench bench(two_columns());
+    std::string items = item_file({kRow, kRow});
+    items[12] ^= 1;
+    Result run = bench.unpack(items);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "a,b\n5,x\n5,x\n");
+    EXPECT_EQ(run.err, "oakunpack: items: " +
+                           damaged("the file header's length and its check do not agree") + "\n");
+    items = item_file({kRow, kRow});
+    run = bench.unpack(items.substr(0, items.size() - 16));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "a,b\n5,x\n");
+    EXPECT_EQ(run.err, "oakunpack: items: item at 48: " + damaged("the file ends inside the item") +
+                           "\noakunpack: items: " +
+                           damaged("the file ends at 64 where its header promises 80 bytes") +
+                           "\n");
+    run = bench.unpack("a,b\n5,x\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "oakunpack: items: " + damaged("the file ends inside its header") + "\n");
+}
+
+TEST(Oakunpack, TellsWhichFileFails) {
+    const Bench bench(two_columns());
+    bench.place.write("items", item_file({kRow}));
+    const auto unpack = [&](const Strings &args) {
+        const Result run = bench.place.run("oakunpack", args);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.out, "");
+        return run.err;
+    };
+    const std::string no_file = tools::status_text(eNOFILE);
+    EXPECT_EQ(unpack({"-c", "none", "-t", "t", "items"}), "oakunpack: none: " + no_file + "\n");
+    EXPECT_EQ(unpack({"-c", "catalog", "-t", "t", "none"}), "oakunpack: none: " + no_file + "\n");
+    EXPECT_EQ(unpack({"-c", "catalog", "-t", "u", "items"}),
+              "oakunpack: catalog: no table 'u'; there are: t\n");
+    EXPECT_EQ(unpack({"-c", "catalog", "-t", "t", "items", "none/rows"}),
+              "oakunpack: none/rows: " + tools::status_text(eFILEOPEN) + "\n");
+}
+
+TEST(Oakunpack, TellsThatTheRowsCannotBeWritten) {
+    if (!std::filesystem::exists("/dev/full")) {
+        GTEST_SKIP();
+    }
+    const Bench bench(two_columns());
+    bench.place.write("items", item_file({kRow}));
+    const std::string command = "cd " + oaktest::shell_word(bench.place.path("")) + " && " +
+                                OAK_BINARY_DIR "/oakunpack -c catalog -t t items >/dev/full 2>err";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+    EXPECT_EQ(bench.place.read("err"),
+              "oakunpack: standard output: " + tools::status_text(eBADWRITE) + "\n");
+}
+
+TEST(Oakunpack, RefusesAWrongCommandLineAndShowsItsHelp) {
+    const Workplace place;
+    const std::pair<Strings, const char *> cases[] = {
+        {{"-t", "t", "a"}, "error: Missing option '--catalog' ('--help' for more information)\n"},
+        {{"-c", "x", "a"}, "error: Missing option '--table' ('--help' for more information)\n"},
+        {{"-c", "x", "-t", "t"},
+         "error: Missing argument 'ITEMS' ('--help' for more information)\n"},
+        {{"-c", "x", "-t", "t", "a", "b", "c"},
+         "error: Stray argument 'c' ('--help' for more information)\n"},
+    };
+    for (const auto &[args, message] : cases) {
+        const Result run = place.run("oakunpack", args);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err, message);
+    }
+    const Result help = place.run("oakunpack", {"--help"});
+    EXPECT_EQ(help.status, 0);
+    for (const char *word : {"--catalog=FILE", "--table=NAME", "ITEMS [CSV]"}) {
+        EXPECT_NE(help.out.find(word), std::string::npos) << word;
+    }
+}
+
+} // namespace
