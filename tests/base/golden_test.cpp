@@ -441,9 +441,19 @@ void set_large_object(RowBench &row, OAK_COL_INDEX position) {
     row.mark(position, vsNOVAL);
 }
 
+/// A record without the padding behind its first `used` bytes, which stays zero.
+template <class Record>
+void set_unpadded(RowBench &row, OAK_COL_INDEX position, const Record &record, size_t used) {
+    std::array<uint8_t, sizeof(Record)> bytes{};
+    std::memcpy(bytes.data(), &record, used);
+    row.set(position, bytes);
+}
+
 void fill_every(RowBench &row) {
-    row.row_.avls[0] = OAK_AVL{3, 1, 2};
-    row.row_.avls[1] = OAK_AVL{0, 128, 0};
+    row.row_.avls[0].flags = 3;
+    row.row_.avls[0].left = 1;
+    row.row_.avls[0].right = 2;
+    row.row_.avls[1].left = 128;
     row.row_.joins[0].owner = 300;
     row.set<uint32_t>(0, 1);
     row.set<int8_t>(1, -1);
@@ -462,9 +472,9 @@ void fill_every(RowBench &row) {
     // Column 12 was dropped: the positions of those behind it are one less.
     row.set<OAK_PACKED_DATE_T>(12, 738945);
     row.set<OAK_PACKED_TIME_T>(13, 452967890);
-    row.set(14, OAK_PACKED_TIMETZ_T{416967890, 60});
+    set_unpadded(row, 14, OAK_PACKED_TIMETZ_T{416967890, 60}, 6);
     row.set(15, OAK_PACKED_TIMESTAMP_T{738945, 306000000});
-    row.set(16, OAK_PACKED_TIMESTAMPTZ_T{3652059, 863999999, -840});
+    set_unpadded(row, 16, OAK_PACKED_TIMESTAMPTZ_T{3652059, 863999999, -840}, 10);
     row.set<OAK_ROWID_T>(17, 77);
     OAK_UUID_T guid;
     EXPECT_EQ(oak_uuidFromString("00112233-4455-6677-8899-aabbccddeeff", &guid), sOKAY);
