@@ -31,7 +31,7 @@ constexpr char kDescription[] =
     "columns of the table in any order and case; columns that it does not name get their\n"
     "default. An empty field is NULL, a quoted empty field an empty text. Digits behind the\n"
     "point that a column has no place for are dropped, and the first such field is told;\n"
-    "anything else that does not fit is an error, and the item file stays as it was.";
+    "anything else that does not fit whole is an error, and the item file stays as it was.";
 
 // ---- What is asked for ------------------------------------------------------
 

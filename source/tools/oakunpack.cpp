@@ -26,19 +26,50 @@ constexpr char kDescription[] =
 
 // ---- Where the rows go ------------------------------------------------------
 
-// The CSV, to a file or to standard output.
+// Whether two open files are one, found out by a lock, which only one of two
+// handles gets. A file that another program holds is not looked at.
+bool are_one(const File &first, const File &second) {
+    if (osl_fileLock(first.handle()) != sOKAY) {
+        return false;
+    }
+    const bool one = osl_fileLock(second.handle()) == eFILEINUSE;
+    OAK_IGNORE_STATUS(osl_fileUnlock(first.handle()), "closing unlocks as well");
+    OAK_IGNORE_STATUS(osl_fileUnlock(second.handle()), "it may not be locked");
+    return one;
+}
+
+// The CSV, to a file or to standard output. A file that is not finished goes, or
+// is left empty where it was there before.
 class Destination {
   public:
     ~Destination() {
         if (file_) {
+            empty_file();
             file_.close();
+        }
+        if (made_) {
             OAK_IGNORE_STATUS(osl_fileRemove(name_), "the failure before it is told");
         }
     }
 
-    Complaint open(const char *name) {
+    // `items` is the open item file, which must be another.
+    Complaint open(const char *name, const File &items) {
+        if (name == nullptr) {
+            return {};
+        }
+        const bool made = osl_fileValidate(name) == eNOFILE;
+        File file;
+        if (Complaint complaint = file.open(name, OSL_OPEN_CREATE); !complaint.empty()) {
+            return complaint;
+        }
+        if (are_one(items, file)) {
+            return std::string(name) + ": the rows cannot go to the item file itself";
+        }
         name_ = name;
-        return name != nullptr ? file_.open(name, OSL_OPEN_TRUNCATE) : Complaint();
+        made_ = made;
+        file_ = std::move(file);
+        empty_file();
+        return {};
     }
     std::string &text() { return text_; }
     Complaint poll() { return text_.size() >= kBlock ? write() : Complaint(); }
@@ -49,11 +80,18 @@ class Destination {
         }
         if (complaint.empty()) {
             file_.close();
+            made_ = false;
         }
         return complaint;
     }
 
   private:
+    // A device has no length and keeps it.
+    void empty_file() {
+        if (osl_fileLength(file_.handle()) > 0) {
+            OAK_IGNORE_STATUS(osl_fileSetSize(file_.handle(), 0), "writing fails as well then");
+        }
+    }
     Complaint write() {
         Complaint complaint;
         if (!file_) {
@@ -67,6 +105,7 @@ class Destination {
     }
 
     const char *name_ = nullptr;
+    bool made_ = false;
     File file_;
     Output output_;
     std::string text_;
@@ -186,7 +225,7 @@ Complaint run(const CommandLine &line, const char *catalog_name, const char *tab
     }
     Destination destination;
     if (complaint.empty()) {
-        complaint = destination.open(line.value("CSV"));
+        complaint = destination.open(line.value("CSV"), file);
     }
     if (!complaint.empty()) {
         return complaint;

@@ -178,6 +178,21 @@ TEST(Oakunpack, TellsWhichFileFails) {
               "oakunpack: none/rows: " + tools::status_text(eFILEOPEN) + "\n");
 }
 
+TEST(Oakunpack, TheRowsDoNotGoToTheItemFileItself) {
+    const Bench bench(two_columns());
+    const std::string items = item_file({kRow});
+    std::filesystem::create_hard_link(
+        (bench.place.write("items", items), bench.place.path("items")), bench.place.path("other"));
+    for (const char *name : {"items", "./items", "other"}) {
+        const Result run =
+            bench.place.run("oakunpack", {"-c", "catalog", "-t", "t", "items", name});
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.err, std::string("oakunpack: ") + name +
+                               ": the rows cannot go to the item file itself\n");
+        EXPECT_EQ(bench.place.read("items"), items);
+    }
+}
+
 TEST(Oakunpack, TellsThatTheRowsCannotBeWritten) {
     if (!std::filesystem::exists("/dev/full")) {
         GTEST_SKIP();
@@ -189,6 +204,11 @@ TEST(Oakunpack, TellsThatTheRowsCannotBeWritten) {
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
     EXPECT_EQ(bench.place.read("err"),
               "oakunpack: standard output: " + tools::status_text(eBADWRITE) + "\n");
+    const Result run =
+        bench.place.run("oakunpack", {"-c", "catalog", "-t", "t", "items", "/dev/full"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "oakunpack: /dev/full: " + tools::status_text(eBADWRITE) + "\n");
+    EXPECT_TRUE(std::filesystem::exists("/dev/full")) << "only what was made goes";
 }
 
 TEST(Oakunpack, RefusesAWrongCommandLineAndShowsItsHelp) {

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "oakcmdlineapi.h"
@@ -164,6 +165,11 @@ class File {
     ~File() { close(); }
     File(const File &) = delete;
     File &operator=(const File &) = delete;
+    /// Takes the other's file over.
+    File &operator=(File &&other) noexcept {
+        std::swap(fh_, other.fh_);
+        return *this;
+    }
 
     /// Opens `name` with one of the OSL_OPEN_ modes.
     Complaint open(const char *name, int32_t mode);

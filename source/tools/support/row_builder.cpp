@@ -241,7 +241,7 @@ Complaint RowBuilder::set_field(const Target &target, const CsvField &field) {
                        "the value of a foreign key lies in the row referred to, and only a "
                        "reference to a row number is packed");
     }
-    OAK_VALUE value;
+    OAK_VALUE value{};
     OAK_RETCODE status = converter_.convert(column, field.text, field.length, &value);
     if (status == sOKAY || only_fraction_is_lost(column, status)) {
         const OAK_RETCODE stored = store(column, value);

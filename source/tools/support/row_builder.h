@@ -3,10 +3,10 @@
 // Law: a field that is not there or empty and unquoted is NULL; a column that
 // the CSV does not name gets its default, a keyword's value being that of the
 // moment when the builder was prepared, and a new UUID for each row. A rowid
-// column has the row's number, whatever the CSV leaves empty; a number given
-// must be that one. A foreign key column that refers to the row number of its
-// table becomes the join of its reference; other foreign key columns, and large
-// objects, have their values outside the row and can only be NULL.
+// column has the row's number; a field for it is empty or that number. A foreign
+// key column that refers to the row number of its table becomes the join of its
+// reference; other foreign key columns, and large objects, have their values
+// outside the row and can only be NULL.
 //
 // The row belongs to the builder and stands until the next one is begun.
 #ifndef ROW_BUILDER_H

@@ -5,8 +5,9 @@
 // same, a float likewise of %.6g and %.9g, decimals with the digits of their
 // column's scale, dates YYYY-MM-DD, times HH:MM:SS.FFFF, zones behind a blank as
 // +HH:MM, UUIDs without braces, binary as 0x and upper-case hexadecimal digits,
-// text as it stands, arrays as ARRAY[1,2,3]. Reading takes whatever
-// oak_valueConvert takes.
+// text as it stands, arrays as ARRAY[1,2,3]. Reading takes what oak_valueConvert
+// takes, with one exception: a date or time is taken whole or not at all, where
+// the conversions pass over what stands behind it.
 #ifndef VALUE_TEXT_H
 #define VALUE_TEXT_H
 
@@ -29,9 +30,11 @@ void append_hex(std::string *out, const void *data, size_t length);
 /// until the next conversion.
 class FieldConverter {
   public:
-    /// Converts a terminated text to the column's type. sOKAY; sTRUNCATE or
-    /// sPRECISIONLOSS or sUNDERFLOW, when fraction digits alone were dropped; else why it
-    /// does not convert, with `detail` telling more where the status does not say all.
+    /// Converts a terminated text, which may be changed, to the column's type; to
+    /// an OAK_UINT64 for a row number. sOKAY; sTRUNCATE for a number whose digits
+    /// behind the point an integer does not take, or bytes that a binary does not;
+    /// sPRECISIONLOSS and sUNDERFLOW as decimals give them; else why it does not
+    /// convert, with `detail` telling more where the status does not say all.
     OAK_RETCODE convert(const Column &column, char *text, size_t length, OAK_VALUE *value);
     const char *detail() const { return detail_.c_str(); }
     /// Frees what the last conversion allocated.
