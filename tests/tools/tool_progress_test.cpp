@@ -17,7 +17,9 @@ using oaktest::Workplace;
 /// out of standard error, a terminal.
 std::string err_on_terminal(const Workplace &place) {
     int terminal = -1, its_end = -1, feed[2] = {-1, -1};
-    EXPECT_EQ(openpty(&terminal, &its_end, nullptr, nullptr, nullptr), 0);
+    if (openpty(&terminal, &its_end, nullptr, nullptr, nullptr) != 0) {
+        return ""; // a machine without terminals
+    }
     EXPECT_EQ(pipe2(feed, O_CLOEXEC), 0);
     const pid_t child = fork();
     if (child == 0) {
@@ -62,6 +64,9 @@ TEST(Progress, IsShownOnATerminalAfterASecondAndTakenBack) {
     const Workplace place;
     place.write("catalog", oaktest::one_table(oaktest::column(0, "c", R"("int32")"), 1));
     const std::string shown = err_on_terminal(place);
+    if (shown.empty() && access("/dev/pts/ptmx", F_OK) != 0) {
+        GTEST_SKIP() << "no terminals here";
+    }
     EXPECT_EQ(shown.rfind("\roakpack: ", 0), 0u) << shown;
     EXPECT_NE(shown.find(" rows"), std::string::npos) << shown;
     EXPECT_TRUE(shown.ends_with("\r\x1b[K")) << shown;

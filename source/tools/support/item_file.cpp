@@ -17,8 +17,8 @@ namespace {
 
 constexpr uint32_t kFileMagic = 0x4F414B01;  // "OAK" and the version of the form, 1
 constexpr uint32_t kItemMarker = 0xF54F424A; // 0xF5, which no UTF-8 text holds, and "OBJ"
-constexpr size_t kFlushAt = 1 << 20;
-constexpr uint64_t kAnyRow = 0; // what is expected where items were lost
+constexpr size_t kFlushAt = 1 << 16;         // bytes gathered before they are written
+constexpr uint64_t kAnyRow = 0;              // what is expected where items were lost
 
 template <class Number>
 void put(uint8_t *to, Number value) {
