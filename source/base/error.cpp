@@ -118,24 +118,45 @@ void log_error(OAK_ERR hErr) {
 
 // ---- The steps of a report -------------------------------------------------
 
+// Makes the copies of a report's texts, one after another up to the first that
+// fails, in place of the old ones, which the caller frees.
+OAK_RETCODE copy_texts(OAK_ERR hErr, const char *errinfo, const char *errfile, const char *filenm,
+                       int32_t lineno) {
+    OAK_RETCODE rc = sOKAY;
+    if (errfile != nullptr) {
+        rc = copy_text(errfile, hErr->tag, &hErr->errfile);
+    }
+    if (rc == sOKAY && errinfo != nullptr) {
+        rc = copy_text(errinfo, hErr->tag, &hErr->info);
+    }
+    if (rc == sOKAY && filenm != nullptr) {
+        rc = copy_text(filenm, hErr->tag, &hErr->file);
+        hErr->line = rc == sOKAY ? lineno : hErr->line;
+    }
+    return rc;
+}
+
+void free_replaced(OAK_ERR hErr, char *old, const char *now) {
+    if (old != now) {
+        OSL_FREE(old, hErr->tag);
+    }
+}
+
 // Takes over the texts of a report. One that cannot be copied ends the copying
 // and keeps what was there; a report without info empties the old one even so.
+// The old texts go last: a report may pass any of them on, also in another place.
 OAK_RETCODE record_texts(OAK_ERR hErr, const char *errinfo, const char *errfile, const char *filenm,
                          int32_t lineno) {
-    OAK_RETCODE rc = sOKAY;
+    char *const old_errfile = hErr->errfile;
+    char *const old_info = hErr->info;
+    char *const old_file = hErr->file;
+    const OAK_RETCODE rc = copy_texts(hErr, errinfo, errfile, filenm, lineno);
     if (errinfo == nullptr) {
         empty_text(hErr->info);
     }
-    if (errfile != nullptr) {
-        rc = replace_text(hErr, &hErr->errfile, errfile);
-    }
-    if (rc == sOKAY && errinfo != nullptr) {
-        rc = replace_text(hErr, &hErr->info, errinfo);
-    }
-    if (rc == sOKAY && filenm != nullptr) {
-        rc = replace_text(hErr, &hErr->file, filenm);
-        hErr->line = rc == sOKAY ? lineno : hErr->line;
-    }
+    free_replaced(hErr, old_errfile, hErr->errfile);
+    free_replaced(hErr, old_info, hErr->info);
+    free_replaced(hErr, old_file, hErr->file);
     return rc;
 }
 

@@ -294,6 +294,26 @@ TEST(ErrorReport, TakesItsOwnTextsBack) {
     EXPECT_STREQ(oakErrorGetSqlstate(handle), "01234");
 }
 
+// And may turn one into another: the input's name into the info, the info into a name.
+TEST(ErrorReport, TakesItsOwnTextsBackInOtherPlaces) {
+    Tag tag;
+    tag.may_keep_blocks();
+    Handle handle(tag);
+    EXPECT_EQ(oakErrorEx(handle, eRANGE, "info", "input", 1, 2, "file", 3), eRANGE);
+    EXPECT_EQ(oakErrorEx(handle, eRANGE, handle->errfile, handle->file, 1, 2, handle->info, 4),
+              eRANGE);
+    EXPECT_STREQ(handle->info, "input");
+    EXPECT_STREQ(handle->errfile, "file");
+    EXPECT_STREQ(handle->file, "info");
+    EXPECT_EQ(oakErrorEx(handle, eRANGE, nullptr, handle->info, 1, 2, handle->errfile, 5), eRANGE);
+    EXPECT_STREQ(handle->info, "");
+    EXPECT_STREQ(handle->errfile, "input");
+    EXPECT_STREQ(handle->file, "file");
+    if (oaktest::faults_are_injected()) {
+        EXPECT_EQ(tag.live(), 4u); // the record and its three texts
+    }
+}
+
 TEST(ErrorReport, OfAnUnknownCodeGoesOnLikeAnyOther) {
     Handle handle;
     const OAK_RETCODE unknown = static_cast<OAK_RETCODE>(-5);
