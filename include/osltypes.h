@@ -302,7 +302,7 @@ OAK_API void osl_sleep(uint64_t millis);
  * to what the system takes, 0 for the default. `name` may be null; its first 15
  * bytes are shown by the system's tools. `thread` is filled: a thread that was
  * started has an id other than 0. sOKAY; eOSL_FAILURE, no thread could be
- * started; eINVNULLARG. */
+ * started; eINVNULLARG, no function or no record. */
 OAK_API OAK_RETCODE osl_threadBeginEx(OSL_THREAD_FCN fcn, size_t stackSize, void *arg,
                                       osl_thread_t *thread, uint32_t reserved, const char *name);
 /* Waits for the thread to end, stores what its function returned in `rc`, and
@@ -356,6 +356,7 @@ OAK_API OSL_FILE_OFFSET osl_fileLength(OSL_FH fh);
  * file, so that another handle is refused in the same process too. sOKAY, the
  * lock is held; eFILEINUSE, by another handle; eFILEIO. */
 OAK_API OAK_RETCODE osl_fileLock(OSL_FH fh);
+/* Gives the lock up. sOKAY, also without one; eFILEIO. */
 OAK_API OAK_RETCODE osl_fileUnlock(OSL_FH fh);
 /* Removes a file by its name. */
 OAK_API OAK_RETCODE osl_fileRemove(const char *name);
@@ -463,6 +464,7 @@ OAK_API OAK_RETCODE osl_strtof(const char *text, float *pValue);
 OAK_API double osl_atof(const char *text);
 /* 0 to 15; 255 for what is no hexadecimal digit. */
 OAK_API uint8_t osl_hexdigit(char ch);
+/* Whether the value is a NaN; the whole number at or above it, at or below it. */
 OAK_API OAK_BOOL_T osl_isnan(double value);
 OAK_API OAK_BOOL_T osl_isnanf(float value);
 OAK_API float osl_ceilf(float value);

@@ -51,19 +51,24 @@ enum {
 };
 
 /* Writes one value, or element `elem` of an array column, as text. eRANGE for an
- * `elem` that the array does not have; the output function's failure. */
+ * `elem` that the array does not have; eINVNULLARG without a value, its payload or
+ * an output function; the output function's failure. */
 typedef OAK_RETCODE (*B_TYPE_TOSTRING_FCN)(SCH_TYPE_INFO_C pi, const OAK_VALUE *value,
                                            uint32_t elem, uint32_t flags, OAK_OUTPUT_FCN fcn,
                                            OAK_OUTPUT_CTX ctx);
 /* Reads one value, or element `elem` of a new, zeroed array, from text. What
- * it allocates lies in `tag` and is freed when the text is refused. */
+ * it allocates lies in `tag` and is freed when the text is refused. eRANGE for an
+ * `elem` beyond the column's elements; eINVNULLARG without a value or text;
+ * eNOMEMORY; what the type's parser says of the text, see fromstring below. */
 typedef OAK_RETCODE (*B_TYPE_FROMSTRING_FCN)(SCH_TYPE_INFO_C pi, OAK_VALUE *value, uint32_t elem,
                                              uint32_t flags, OSL_MEMTAG tag, const char *text);
-/* Three-way comparison; an absent value sorts first. `limit`, when not 0, bounds
- * the bytes that are looked at in texts and OAK_BINARY. */
+/* Three-way comparison; an absent value, or one whose payload is a null pointer,
+ * sorts first. `limit`, when not 0, bounds the bytes that are looked at in texts
+ * and OAK_BINARY; other types pass over it. Allocates nothing, cannot fail. */
 typedef OAK_COMPARE (*B_TYPE_CMP_FCN)(SCH_TYPE_INFO_C pi, uint32_t limit, const OAK_VALUE *col1,
                                       const OAK_VALUE *col2);
-/* Feeds a value to a hash. */
+/* Feeds a value to a hash. eINVNULLARG, nothing being fed, without a value, its
+ * payload or a context. */
 typedef OAK_RETCODE (*B_TYPE_HASH_FCN)(SCH_TYPE_INFO_C pi, const OAK_VALUE *col,
                                        B_HASHCTX *hashctx);
 
@@ -75,7 +80,8 @@ typedef OAK_RETCODE (*B_TYPE_SCHEMA_COPY_FCN)(SCH_TYPE_INFO_C pi, OAK_VALUE *dst
                                               OSL_MEMTAG tag);
 /* Value to record buffer. `*size` gives the room at `dst` (0: not limited) and
  * receives the bytes written; less room than bytes is sTRUNCATE. `size` may be
- * null (not limited), and `dst` to measure only. */
+ * null (not limited), and `dst` to measure only. A varbinary's length is never
+ * cut: less room than its two bytes, 0 included, is sTRUNCATE with nothing written. */
 typedef OAK_RETCODE (*B_TYPE_SCHEMA_COPY_TO_BUFF_FCN)(SCH_TYPE_INFO_C pi, void *dst, size_t *size,
                                                       const OAK_VALUE *src);
 /* Record buffer of `size` bytes (0: not limited) to value, with a copy in `tag`
@@ -215,7 +221,8 @@ B_TYPE_LIST_STREAMED(B_TYPE_TEXT_FUNCTIONS)
  * shorter OAK_VARBINARY first where one begins the other; decimals by value.
  * Text by bytes, by at most `limit` of them when it is not 0; under a locale by
  * its collation, and then any `limit` but 0 is OAK_EQ, because the order of a
- * locale has no prefix. */
+ * locale has no prefix. A column with elements of a type that has no arrays is
+ * OAK_EQ whatever it holds, of timetz OAK_GT. */
 #define B_TYPE_CMP_FUNCTION(type)                                                                  \
     OAK_API OAK_COMPARE b_type_cmp_##type(SCH_TYPE_INFO_C pi, uint32_t limit,                      \
                                           const OAK_VALUE *col1, const OAK_VALUE *col2);

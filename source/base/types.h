@@ -25,6 +25,7 @@ typedef struct B_TYPE_INFO {
 
 enum { B_TYPE_INFO_ROWS = 37 };
 
+/* One row for each code that has them; the look-ups below search it. */
 OAK_API extern const B_TYPE_INFO typeInfo[B_TYPE_INFO_ROWS];
 
 /* The byte length of the type, 0 for a code without a row. */

@@ -37,6 +37,7 @@ OAK_API void oak_valueInit(OAK_VALUE *pVal);
 OAK_API void oak_valueInitAndSetNull(OAK_VALUE *pVal);
 /* vsNOVAL of a type. */
 OAK_API void oak_valueInitWithType(OAK_VALUE *pVal, OAK_TYPE type);
+/* Any status of any type. */
 OAK_API void oak_valueInitWithStatusAndType(OAK_VALUE *pVal, VAL_STATUS valStatus, OAK_TYPE type);
 
 /* ---- Scalar setters ---------------------------------------------------- */
