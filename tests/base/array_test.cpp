@@ -67,6 +67,24 @@ TEST(Array, KeepsItsEntriesInOrder) {
     }
 }
 
+#ifdef OSL_FAULT_INJECTION
+// Memory is asked for by the first of each four entries alone.
+TEST(Array, GrowsByFourEntries) {
+    oaktest::Tag tag;
+    Letters letters(tag);
+    for (uint32_t i = 0; i < 12; ++i) {
+        osl_faultArm(OSL_FAULT_MEMORY, 1, OAK_FALSE);
+        const OAK_RETCODE rc = b_arrAdd(letters.handle, &kItems[i], nullptr);
+        EXPECT_EQ(osl_faultDisarm(OSL_FAULT_MEMORY), i % 4 == 0 ? 1u : 0u) << i;
+        EXPECT_EQ(rc, i % 4 == 0 ? eNOMEMORY : sOKAY) << i;
+        if (rc != sOKAY) {
+            ASSERT_EQ(b_arrAdd(letters.handle, &kItems[i], nullptr), sOKAY);
+        }
+    }
+    EXPECT_EQ(letters.text(), "abcdefghijkl");
+}
+#endif
+
 TEST(Array, AddsWithoutHandingOutTheIndex) {
     oaktest::Tag tag;
     Letters letters(tag);

@@ -490,6 +490,8 @@ TEST(ByteBuffer, StaysAsItWasWhenMemoryEnds) {
     OAK_BUFFER more;
     b_buffInit(&more, OSL_TAG_PROCESS);
     b_buffSetStatic(&more, "0123456789012345678901234567890123456789", 40);
+    Buffer bytes(OSL_TAG_PROCESS);
+    ASSERT_EQ(b_buffEmitString(&bytes, "0123456789012345678901234567890123456789"), sOKAY);
     const std::function<OAK_RETCODE(OAK_BUFFER *)> writes[] = {
         [](OAK_BUFFER *b) { return b_buffEmitByte(b, 'x'); },
         [](OAK_BUFFER *b) { return b_buffEmitString(b, "0123456789012345678901234567890123"); },
@@ -498,6 +500,7 @@ TEST(ByteBuffer, StaysAsItWasWhenMemoryEnds) {
         [](OAK_BUFFER *b) { return b_buffExpand(b, 100); },
         [](OAK_BUFFER *b) { return b_buffPad(b, 100); },
         [&](OAK_BUFFER *b) { return b_buffCopy(&more, b); },
+        [&](OAK_BUFFER *b) { return b_buffCopy(&bytes, b); },
         [&](OAK_BUFFER *b) { return oak::buff_append_as_bytes(b, more.data, 40); },
     };
     for (const bool owned : {false, true}) {

@@ -906,9 +906,13 @@ TEST(FromBuff, GivesABinaryTheLengthOfItsColumn) {
         ASSERT_EQ(column.assign(buffer, size), sOKAY);
         EXPECT_EQ(column.value.vt.pv, buffer);
         EXPECT_EQ(column.value.len, 4u);
+        EXPECT_EQ(column.value.status, vsOKAY);
+        EXPECT_EQ(column.value.elts, 0u);
         ASSERT_EQ(column.from_buff(buffer, size), sOKAY);
         EXPECT_EQ(column.payload(4), "01020304");
         EXPECT_EQ(column.value.len, 4u);
+        EXPECT_EQ(column.value.status, vsOKAY);
+        EXPECT_EQ(column.value.elts, 0u);
         column.release();
     }
     ASSERT_EQ(column.from_buff(buffer, 2), sTRUNCATE);
