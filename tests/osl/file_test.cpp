@@ -257,6 +257,43 @@ TEST_F(Files, GoOnWhenASignalInterrupts) {
     sigaction(SIGUSR1, &old, nullptr);
 }
 
+// A pipe takes a part, and a signal ends the wait for room: the rest follows in order.
+TEST_F(Files, AreWrittenToTheEndWhenASignalInterrupts) {
+    struct sigaction action = {};
+    struct sigaction old = {};
+    action.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &action, &old);
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+    std::string sent(300000, '?'); // more than a pipe holds
+    for (size_t i = 0; i < sent.size(); ++i) {
+        sent[i] = static_cast<char>(i * 31 >> 4);
+    }
+    OSL_FH fh = osl_fileOpen(path("pipe").c_str(), OSL_OPEN_CREATE, 0);
+    ASSERT_NE(fh, nullptr);
+    const pthread_t writer = pthread_self();
+    std::string received;
+    std::thread reader([&] {
+        const int descriptor = open(path("pipe").c_str(), O_RDONLY);
+        osl_sleep(10);
+        pthread_kill(writer, SIGUSR1); // while it waits for room
+        osl_sleep(5);
+        while (received.size() < sent.size()) {
+            char bytes[10000];
+            const ssize_t got = ::read(descriptor, bytes, sizeof bytes);
+            if (got <= 0) {
+                break;
+            }
+            received.append(bytes, static_cast<size_t>(got));
+        }
+        close(descriptor);
+    });
+    EXPECT_EQ(osl_fileWrite(fh, sent.data(), static_cast<uint32_t>(sent.size())), sent.size());
+    osl_fileClose(fh); // so that the reader ends whatever was written
+    reader.join();
+    EXPECT_TRUE(received == sent);
+    sigaction(SIGUSR1, &old, nullptr);
+}
+
 TEST_F(Files, SleepTheirTimeThroughSignals) {
     struct sigaction action = {};
     struct sigaction old = {};
