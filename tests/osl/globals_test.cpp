@@ -98,8 +98,10 @@ TEST_F(Globals, RunInitOnceUnderConcurrentFirstCalls) {
 
 TEST_F(Globals, WhoseInitFailsDoNotComeIntoBeing) {
     void *data = nullptr;
+    const oaktest::Live before = oaktest::Live::now();
     EXPECT_EQ(osl_globalGet("test fail", 8, fail_init, note_first, &data), eFAIL);
     EXPECT_EQ(data, nullptr);
+    EXPECT_EQ(oaktest::Live::now(), before);
     EXPECT_EQ(osl_globalGet("test fail", 8, init, nullptr, &data), sOKAY) << "a second try";
     EXPECT_EQ(inits, 2);
     EXPECT_EQ(*static_cast<uint64_t *>(data), 42u);

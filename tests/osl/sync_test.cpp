@@ -112,6 +112,18 @@ TEST(Event, WakesEveryWaiter) {
     osl_syncDelete(event);
 }
 
+// All but a second whole: the deadline's fraction nearly always goes over into the next.
+TEST(Event, IsWaitedForAcrossTheTurnOfASecond) {
+    OSL_SEM event = make(OSL_SYNC_EVENT);
+    std::thread other([&] {
+        osl_sleep(5);
+        osl_syncResume(event);
+    });
+    EXPECT_EQ(osl_syncWait(event, 60999), sOKAY);
+    other.join();
+    osl_syncDelete(event);
+}
+
 TEST(Event, PassesATurnBackAndForth) {
     // Two threads arm, look, and wait in turn; a single lost signal would hang.
     OSL_SEM mutex = make(OSL_SYNC_MUTEX);
