@@ -134,7 +134,8 @@ TEST(OutputBuffer, TakesTextsAsTheyStand) {
         size_t characters;
     } rows[] = {{"", 0},          {"oak", 3},          {"aé€𝄞", 4},
                 {"\x80\xbf", 2},  {"\xc3", 1},         {"\xe2\x82", 2},
-                {"\xe2\x82x", 3}, {"\xf0\x9d\x84", 3}, {"\xf8\xff\xfe", 3}};
+                {"\xe2\x82x", 3}, {"\xf0\x9d\x84", 3}, {"\xf8\xff\xfe", 3},
+                {"\xc3z", 2},     {"\xe2x\x82", 3},    {"\xf0x\x84\x9e", 4}};
     for (const auto &row : rows) {
         char buffer[20];
         OAK_OUTPUT_BUFF out;
