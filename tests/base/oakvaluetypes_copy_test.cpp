@@ -297,6 +297,7 @@ TEST(Copy, LeavesATextOutWhereNothingMayBeAllocated) {
     EXPECT_EQ(column.value.status, vsNOVAL);
     EXPECT_EQ(column.value.vt.pv, nullptr);
     EXPECT_EQ(column.value.len, 0u);
+    EXPECT_EQ(column.value.elts, 0u);
     EXPECT_EQ(column.tag.live(), 0u);
 }
 

@@ -168,7 +168,8 @@ TEST(Compare, LooksAtTheElementsOfTheColumnAlone) {
     const std::vector<int32_t> second = {1, 2, 4};
     EXPECT_EQ(compare(number_type(OAK_INT32, 2), array(OAK_INT32, first), array(OAK_INT32, second)),
               OAK_EQ);
-    EXPECT_EQ(compare(number_type(OAK_INT32), array(OAK_INT32, first), array(OAK_INT32, second)),
+    const std::vector<int32_t> third = {1, 5};
+    EXPECT_EQ(compare(number_type(OAK_INT32), array(OAK_INT32, first), array(OAK_INT32, third)),
               OAK_EQ);
 }
 
@@ -461,6 +462,16 @@ TEST(Hash, FeedsTimesWithTheirZones) {
     const OAK_PACKED_TIMESTAMPTZ_T moment = {1, 2, 60};
     expect_hash(descriptor(OAK_TIMESTAMPTZ), pointed(OAK_TIMESTAMPTZ, &moment),
                 "0000000100000002003c");
+}
+
+// A payload of zero bytes is a value like any other.
+TEST(Hash, FeedsZeros) {
+    expect_hash(number_type(OAK_INT64), scalar<int64_t>(OAK_INT64, 0), "0000000000000000");
+    expect_hash(descriptor(OAK_DATE), scalar(OAK_DATE, 0u), "00000000");
+    expect_hash(descriptor(OAK_TIMETZ), scalar(OAK_TIMETZ, OAK_PACKED_TIMETZ_T{0, 0}),
+                "000000000000");
+    expect_hash(descriptor(OAK_TIMESTAMP), scalar(OAK_TIMESTAMP, OAK_PACKED_TIMESTAMP_T{0, 0}),
+                "0000000000000000");
 }
 
 TEST(Hash, FeedsADecimalInPackedForm) {
