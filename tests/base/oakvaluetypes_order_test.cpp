@@ -519,6 +519,7 @@ TEST(Hash, FeedsPayloadsByTheirBytes) {
     expect_hash(varbinary_type(10), pointed(OAK_VARBINARY, "A\0B", 2), "4100");
     expect_hash(varbinary_type(10), pointed(OAK_VARBINARY, nullptr, 0), "");
     expect_hash(binary_type(10), pointed(OAK_BINARY, "A", 0), "");
+    expect_hash(binary_type(10), pointed(OAK_BINARY, nullptr, 0), "");
 }
 
 TEST(Hash, GoesOnFromWhatWasFedBefore) {
