@@ -81,7 +81,7 @@ OAK_API OAK_RETCODE b_buffEmitChar(OAK_OUTPUT_CTX buffer, uint32_t ch);
 /* Appends `size` bytes. An OAK_BULK_OUTPUT_FCN; `data` may be null when `size`
  * is 0 and may not lie in the buffer itself. */
 OAK_API OAK_RETCODE b_buffEmitBytesBulk(OAK_OUTPUT_CTX buffer, const void *data, size_t size);
-/* Appends a text without its terminator. */
+/* Appends a text, which may not lie in the buffer itself, without its terminator. */
 OAK_API OAK_RETCODE b_buffEmitString(OAK_BUFFER *buffer, const char *text);
 /* Appends `length` bytes of undefined contents and hands out where they begin;
  * the place holds until the buffer is next written. */

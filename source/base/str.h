@@ -24,8 +24,8 @@ OAK_API OAK_RETCODE b_strCreate(B_STR *pString, jmp_buf *jmpbuf, OSL_MEMTAG tag)
 OAK_API void b_strDestroy(B_STR string);
 /* Empties the string, its room kept, and sets another jump buffer, or none. */
 OAK_API void b_strReset(B_STR string, jmp_buf *jmpbuf);
-/* Appends `length` bytes of `text`. eINVNULLARG; eNOMEMORY without a jump
- * buffer, the string then being as before. */
+/* Appends `length` bytes of `text`, which may not lie in the string itself.
+ * eINVNULLARG; eNOMEMORY without a jump buffer, the string then being as before. */
 OAK_API OAK_RETCODE b_strAppend(B_STR string, const char *text, size_t length);
 /* Bytes appended so far, without a terminator. */
 OAK_API size_t b_strSize(B_STR_C string);
