@@ -141,6 +141,31 @@ TEST_F(Files, RefuseMissingNames) {
     osl_fileClose(nullptr);
 }
 
+TEST_F(Files, ThatCannotBeOpenedAreNoHandles) {
+    const oaktest::Live before = oaktest::Live::now();
+    EXPECT_EQ(osl_fileOpen(path("none").c_str(), OSL_OPEN_READ, 0), nullptr);
+    EXPECT_EQ(osl_fileOpen(path("none/below").c_str(), OSL_OPEN_CREATE, 0), nullptr);
+    EXPECT_EQ(oaktest::Live::now(), before);
+}
+
+// A handle of no open file: every call says that the system refused.
+TEST_F(Files, RefuseAHandleThatIsNotOpen) {
+    const auto fh = reinterpret_cast<OSL_FH>(static_cast<uintptr_t>(1000000));
+    char byte = 'x';
+    OSL_FILE_OFFSET at = 77;
+    EXPECT_EQ(osl_fileRead(fh, &byte, 1), OSL_READ_ERROR);
+    EXPECT_EQ(osl_fileSeekRead(fh, 0, &byte, 1), OSL_READ_ERROR);
+    EXPECT_EQ(osl_fileWrite(fh, &byte, 1), 0u);
+    EXPECT_EQ(osl_fileSeekWrite(fh, 0, &byte, 1), 0u);
+    EXPECT_EQ(osl_fileSeek(fh, 0, OSL_SEEK_START, &at), eFILEIO);
+    EXPECT_EQ(osl_fileSetSize(fh, 1), eFILEIO);
+    EXPECT_EQ(osl_fileLength(fh), 0u);
+    EXPECT_EQ(osl_fileLock(fh), eFILEIO);
+    EXPECT_EQ(osl_fileUnlock(fh), eFILEIO);
+    EXPECT_EQ(byte, 'x');
+    EXPECT_EQ(at, 77u);
+}
+
 // ---- Transfers --------------------------------------------------------------
 
 TEST_F(Files, ReadAndWriteAtTheirPosition) {
@@ -542,6 +567,8 @@ TEST_F(Files, TellInjectedReadErrorsFromTheEnd) {
     EXPECT_EQ(osl_fileRead(fh, bytes, 3), OSL_READ_ERROR);
     EXPECT_EQ(osl_fileSeekRead(fh, 0, bytes, 3), OSL_READ_ERROR);
     EXPECT_EQ(osl_fileLock(fh), eFILEIO);
+    EXPECT_EQ(osl_fileSeek(fh, 0, OSL_SEEK_START, nullptr), eFILEIO);
+    EXPECT_EQ(osl_fileSetSize(fh, 1), eFILEIO);
     osl_faultDisarm(OSL_FAULT_FILE);
     osl_fileClose(fh);
 }
