@@ -600,6 +600,58 @@ TEST_F(Convert, ConvertsArraysIntoPlainBuffersElementByElement) {
     EXPECT_EQ(size, 111u);
 }
 
+// How dates are ordered and separated, what times show and the zone to assume go through
+// every door to the conversion.
+TEST_F(Convert, HandsTheFormatsToTheConversion) {
+    const OAK_VALUE moment = scalar(OAK_TIMESTAMP, OAK_PACKED_TIMESTAMP_T{738945, 495000000});
+    const OAK_VALUE date = scalar<uint32_t>(OAK_DATE, 738945);
+    constexpr OAK_DATE_FORMAT order = OAK_DDMMYYYY;
+    constexpr OAK_TIME_FORMAT shown = OAK_HHMM;
+    constexpr int16_t zone = -90;
+    const char *const wanted = "29.02.2024 13:45";
+
+    EXPECT_EQ(oak_valueConvert(&to_, &moment, OAK_CHAR, 0, order, '.', shown, zone, tag_), sOKAY);
+    EXPECT_STREQ(to_.vt.cv, wanted);
+    EXPECT_EQ(oak_valueConvert(&to_, &moment, OAK_CHAR, 40, order, '.', shown, zone, tag_), sOKAY);
+    EXPECT_STREQ(to_.vt.cv, wanted);
+    EXPECT_EQ(oak_valueConvert(&to_, &date, OAK_TIMESTAMPTZ, 0, order, '.', shown, zone, tag_),
+              sOKAY);
+    EXPECT_EQ(to_.vt.tszv->tz, zone);
+
+    EXPECT_EQ(oak_valueConvertFromBuffer(&to_, OAK_CHAR, 0, &moment.vt, OAK_TIMESTAMP, 8, order,
+                                         '.', shown, zone, tag_),
+              sOKAY);
+    EXPECT_STREQ(to_.vt.cv, wanted);
+    EXPECT_EQ(oak_valueConvertFromBuffer(&to_, OAK_TIMESTAMPTZ, 0, &date.vt, OAK_DATE, 4, order,
+                                         '.', shown, zone, tag_),
+              sOKAY);
+    EXPECT_EQ(to_.vt.tszv->tz, zone);
+
+    char text[40];
+    OAK_PACKED_TIMESTAMPTZ_T zoned{};
+    OAK_VALUE into = value_over(OAK_NOVAL, text, 0, 0);
+    EXPECT_EQ(
+        b_convertOakValue(&moment, &into, OAK_CHAR, sizeof text, order, '.', shown, zone, tag_),
+        sOKAY);
+    EXPECT_STREQ(text, wanted);
+    into = value_over(OAK_NOVAL, &zoned, 0, 0);
+    EXPECT_EQ(b_convertOakValue(&date, &into, OAK_TIMESTAMPTZ, sizeof zoned, order, '.', shown,
+                                zone, tag_),
+              sOKAY);
+    EXPECT_EQ(zoned.tz, zone);
+
+    text[0] = '\0';
+    zoned.tz = 0;
+    EXPECT_EQ(b_convertOakValueToBuffer(&moment, OAK_CHAR, order, '.', shown, zone, text,
+                                        sizeof text, nullptr, nullptr),
+              sOKAY);
+    EXPECT_STREQ(text, wanted);
+    EXPECT_EQ(b_convertOakValueToBuffer(&date, OAK_TIMESTAMPTZ, order, '.', shown, zone, &zoned,
+                                        sizeof zoned, nullptr, nullptr),
+              sOKAY);
+    EXPECT_EQ(zoned.tz, zone);
+}
+
 // ---- Arrays ---------------------------------------------------------------------------------
 
 TEST_F(Convert, ConvertsAnArrayToAnArray) {
