@@ -781,6 +781,8 @@ TEST(Escapes, BecomePlainSql) {
         {"--(*vendor(Any),product(Any) d '2024-02-29'*)--", "@'2024-02-29'"},
         {"--(* VENDOR (Any) , PRODUCT (Any) fn now() *)--", " now() "},
         {"--(*vendor(Any),product(Any)call p(1)*)--x", "call p(1)x"},
+        // Nothing of the head is held until the clause's own keyword is written.
+        {"--(*  VENDOR  (Any)  ,  PRODUCT  (Any) \n call p(1)*)--x", "call p(1)x"},
         {"--(*vendor(Any) product(Any) fn now()*)--", "eESCAPE"},
         {"--(*vendor(Any", "eESCAPE"},
         {"--(*other*)--", "eESCAPE"},

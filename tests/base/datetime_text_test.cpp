@@ -317,6 +317,8 @@ const DateTextRow kDateTexts[] = {
     // Sixteen bits with a sign hold each number.
     {"32767-01-01", OAK_YYYYMMDD, sOKAY, {32767, 1, 1}},
     {"32768-01-01", OAK_YYYYMMDD, eBASE_INVDATE, kNone},
+    {"01-02-32767", OAK_DDMMYYYY, sOKAY, {32767, 2, 1}},
+    {"01-02-32768", OAK_DDMMYYYY, eBASE_INVDATE, kNone},
     {"65536-01-01", OAK_YYYYMMDD, eBASE_INVDATE, kNone},
     {"2147483648-01-01", OAK_YYYYMMDD, eBASE_INVDATE, kNone},
     {"99999999999999999999999-01-01", OAK_YYYYMMDD, eBASE_INVDATE, kNone},
@@ -377,12 +379,13 @@ TEST(DateFromText, ReadsWhatTheTableSays) {
     }
 }
 
+constexpr const char *kMonths[] = {"January",   "February", "March",    "April",
+                                   "May",       "June",     "July",     "August",
+                                   "September", "October",  "November", "December"};
+
 TEST(DateFromText, KnowsEveryMonthByNameAndAbbreviationInAnyCase) {
-    const char *const months[] = {"January",   "February", "March",    "April",
-                                  "May",       "June",     "July",     "August",
-                                  "September", "October",  "November", "December"};
     for (uint16_t i = 0; i < 12; ++i)
-        for (std::string word : {std::string(months[i]), std::string(months[i]).substr(0, 3)})
+        for (std::string word : {std::string(kMonths[i]), std::string(kMonths[i]).substr(0, 3)})
             for (int style = 0; style < 3; ++style) {
                 for (char &ch : word)
                     ch = static_cast<char>(style == 1 ? ch | 0x20 : style == 2 ? ch & ~0x20 : ch);
@@ -390,6 +393,18 @@ TEST(DateFromText, KnowsEveryMonthByNameAndAbbreviationInAnyCase) {
                 const std::string text = word + "15, 2024";
                 EXPECT_EQ(oak_dateFromString(text.c_str(), OAK_YYYYMMDD, &date), sOKAY) << text;
                 EXPECT_EQ(date, makeDate(2024, static_cast<uint16_t>(i + 1), 15)) << text;
+            }
+}
+
+TEST(DateFromText, KnowsNoMonthWithAWrongLetter) {
+    for (const std::string month : kMonths)
+        for (const std::string &word : {month, month.substr(0, 3)})
+            for (size_t i = 0; i < word.size(); ++i) {
+                std::string text = word + "15, 2024";
+                text[i] = 'q';
+                OAK_PACKED_DATE_T date = 77;
+                EXPECT_EQ(oak_dateFromString(text.c_str(), OAK_YYYYMMDD, &date), eBASE_INVDATE)
+                    << text;
             }
 }
 

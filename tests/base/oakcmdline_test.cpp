@@ -631,6 +631,17 @@ TEST(Help, CutsALineAtItsWidth) {
                                    margin + "  " + std::string(50, 'b') + "\n\n");
 }
 
+TEST(Help, CutsALineAtAnyWhiteSpace) {
+    for (const char blank : {' ', '\t', '\n', '\v', '\f', '\r'}) {
+        const std::string text = std::string(10, 'a') + blank + std::string(50, 'b');
+        const OAK_CMDLINE_OPT_A table[] = {{"1", nullptr, nullptr, text.c_str()},
+                                           {nullptr, nullptr, nullptr, nullptr}};
+        EXPECT_EQ(own_part(table), "  -1" + std::string(25, ' ') + std::string(10, 'a') + "\n" +
+                                       std::string(31, ' ') + std::string(50, 'b') + "\n\n")
+            << static_cast<int>(blank);
+    }
+}
+
 TEST(Help, ShowsNamesThatLackAPart) {
     const OAK_CMDLINE_OPT_A table[] = {
         {"", nullptr, "s=value", "Neither name"}, {"v", nullptr, "s", "A kind alone"},

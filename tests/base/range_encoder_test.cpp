@@ -94,6 +94,89 @@ TEST_F(RangeCoder, MovesAProbabilityByA32ndOfItsDistance) {
     EXPECT_EQ(prob, 1056 - 1056 / 32);
 }
 
+// One step of the encoder from a state: what it brings out, and the state after it.
+TEST(RangeNormalize, BringsOutTheCacheUnlessACarryMayStillCome) {
+    const struct {
+        uint64_t low, pending;
+        const char *out;
+        uint64_t low_after, pending_after;
+        uint8_t cache_after;
+    } rows[] = {
+        {0, 1, "12", 0, 1, 0},
+        {0x345678, 1, "12", 0x34567800, 1, 0},
+        {0xfeffffff, 1, "12", 0xffffff00, 1, 0xfe},
+        {0xfeffffff, 3, "12ffff", 0xffffff00, 1, 0xfe},
+        {0xff000000, 1, "", 0, 2, 0x12},
+        {0xffffffff, 2, "", 0xffffff00, 3, 0x12},
+        {0x100000000, 1, "13", 0, 1, 0},
+        {0x100000000, 3, "130000", 0, 1, 0},
+        {0x1abcdef01, 2, "1300", 0xcdef0100, 1, 0xab},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.low);
+        range_coder::EncoderState state{row.low, row.pending, 0xabcdef, 0x12};
+        std::vector<uint8_t> out;
+        range_coder::normalize(state, [&](uint8_t byte) { out.push_back(byte); });
+        EXPECT_EQ(oaktest::hex(out.data(), out.size()), row.out);
+        EXPECT_EQ(state.low, row.low_after);
+        EXPECT_EQ(state.cache_size, row.pending_after);
+        EXPECT_EQ(state.cache, row.cache_after);
+        EXPECT_EQ(state.range, 0xabcdef00u);
+    }
+}
+
+// Normalisation is due at a range of ffffff, not at one of 1000000.
+TEST(RangeNormalize, IsDueBelowTheTopValue) {
+    for (const uint32_t range : {0xffffffu, 0x1000000u}) {
+        range_coder::EncoderState state{0, 1, range, 0x12};
+        RANGE_PROB prob = 1024;
+        size_t bytes = 0;
+        range_coder::encode_zero(
+            state, [&](uint8_t) { ++bytes; }, prob);
+        EXPECT_EQ(bytes, range == 0xffffff ? 1u : 0u);
+        EXPECT_EQ(state.range, ((range == 0xffffff ? range << 8 : range) >> 11) * 1024);
+    }
+}
+
+// The models that a coding touched: its place, and 0 or 1 as it moved.
+std::string touched(const std::vector<RANGE_PROB> &probs) {
+    std::string text;
+    for (size_t i = 0; i < probs.size(); ++i) {
+        if (probs[i] != 1024) {
+            text += std::to_string(i) + (probs[i] > 1024 ? ":0 " : ":1 ");
+        }
+    }
+    return text;
+}
+
+TEST_F(RangeCoder, ReachesATreesModelsByTheBitsBefore) {
+    std::vector<RANGE_PROB> probs(0x300, 1024);
+    re_encode_rctree(encoder_, probs.data(), 3, 5); // 1, then 0 at 3, then 1 at 6
+    EXPECT_EQ(touched(probs), "0:1 2:0 5:1 ");
+    probs.assign(0x300, 1024);
+    re_encode_rctree_reverse(encoder_, probs.data(), 3, 6); // 0, then 1 at 2, then 1 at 5
+    EXPECT_EQ(touched(probs), "0:0 1:1 4:1 ");
+}
+
+// While the bits match, the model lies in the table of the match byte's bit; the bit
+// that differs is the last of those.
+TEST_F(RangeCoder, ReachesAMatchedLiteralsModelsByTheMatchByte) {
+    const struct {
+        uint32_t data, match;
+        const char *models;
+    } rows[] = {
+        {0x00, 0x00, "256:0 257:0 259:0 263:0 271:0 287:0 319:0 383:0 "},
+        {0xff, 0xff, "512:1 514:1 518:1 526:1 542:1 574:1 638:1 766:1 "},
+        {0x80, 0xc0, "5:0 11:0 23:0 47:0 95:0 191:0 512:1 514:0 "},
+        {0xff, 0x7f, "2:1 6:1 14:1 30:1 62:1 126:1 254:1 256:1 "},
+    };
+    for (const auto &row : rows) {
+        std::vector<RANGE_PROB> probs(0x300, 1024);
+        re_encode_matched_literal(encoder_, probs.data(), row.data, row.match);
+        EXPECT_EQ(touched(probs), row.models);
+    }
+}
+
 TEST_F(RangeCoder, GivesBackEveryKindOfBit) {
     oaktest::Random random;
     for (int round = 0; round < 30; ++round) {
