@@ -98,7 +98,8 @@ OAK_API OAK_RETCODE b_convertOakValue(const OAK_VALUE *pSrcVal, OAK_VALUE *pDstV
  * are cut to the whole elements that fit: sTRUNCATE. An OAK_BOOL takes four
  * bytes in an array and one by itself. `pnOffset` is accepted and not used.
  * `pBytesOut` (optional) receives the bytes produced or needed when the status
- * is not negative: 1 where not even one element fitted a text. */
+ * is not negative: 1 where not even one element fitted a text. Statuses as for
+ * oak_valueConvert; nothing is allocated. */
 OAK_API OAK_RETCODE b_convertOakValueToBuffer(const OAK_VALUE *pSrcVal, OAK_TYPE dstType,
                                               OAK_DATE_FORMAT date_format, int8_t date_sep,
                                               OAK_TIME_FORMAT time_format, int16_t tz_disp,

@@ -646,12 +646,13 @@ TEST(Help, ShowsNamesThatLackAPart) {
     const OAK_CMDLINE_OPT_A table[] = {
         {"", nullptr, "s=value", "Neither name"}, {"v", nullptr, "s", "A kind alone"},
         {"w", "wide", "s=", "No display name"},   {"p", nullptr, "*", "An argument without a name"},
-        {nullptr, nullptr, nullptr, nullptr},
+        {"z", nullptr, "", "Not even a kind"},    {nullptr, nullptr, nullptr, nullptr},
     };
     EXPECT_EQ(own_part(table), "       value                 Neither name\n"
                                "  -v                         A kind alone\n"
                                "  -w, --wide=                No display name\n"
                                "                             An argument without a name\n"
+                               "  -z                         Not even a kind\n"
                                "\n");
 }
 
