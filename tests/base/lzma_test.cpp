@@ -579,6 +579,60 @@ TEST_F(Lzma, UsesATwoByteMatchBelowDistance128Alone) {
     }
 }
 
+// A text X of `length` bytes whose first `shared` bytes also stand where the last
+// distance points, and whole at `distance`, nearer than that or farther off.
+Bytes long_match_beside_repeat(size_t length, size_t shared, size_t distance, bool match_nearer) {
+    Bytes source = generated(2000);
+    const auto take = [&source](size_t count) {
+        const Bytes taken(source.begin(), source.begin() + static_cast<long>(count));
+        source.erase(source.begin(), source.begin() + static_cast<long>(count));
+        return taken;
+    };
+    const Bytes lead = take(20), x = take(length);
+    Bytes repeat = lead; // sets the distance; then a byte that differs, then some of X
+    repeat.push_back(1);
+    repeat.insert(repeat.end(), x.begin(), x.begin() + static_cast<long>(shared));
+    repeat.push_back(static_cast<uint8_t>(x[shared] ^ 0xff));
+    const size_t behind = lead.size() + 1 + (match_nearer ? 0 : repeat.size());
+    const Bytes fill = take(distance - length - behind);
+
+    Bytes data = match_nearer ? repeat : Bytes{};
+    data.insert(data.end(), x.begin(), x.end());
+    if (!match_nearer) {
+        data.insert(data.end(), repeat.begin(), repeat.end());
+    }
+    data.insert(data.end(), fill.begin(), fill.end());
+    data.insert(data.end(), lead.begin(), lead.end());
+    data.push_back(2);
+    data.insert(data.end(), x.begin(), x.end());
+    data.push_back(3);
+    return data;
+}
+
+// From 64 bytes on any listed repeat beats a longer match; below, it must come within
+// one byte of it, or within two where the match is 513 bytes away or more.
+TEST_F(Lzma, WeighsARepeatAgainstALongMatch) {
+    int repeats = 0, matches = 0;
+    for (const size_t length : {20u, 62u, 63u, 64u, 65u, 80u}) {
+        for (const size_t distance : {300u, 511u, 512u, 513u, 514u}) {
+            for (const size_t shared : {size_t{2}, size_t{10}, length - 5, length - 4, length - 3,
+                                        length - 2, length - 1}) {
+                for (const bool match_nearer : {false, true}) {
+                    const Bytes data =
+                        long_match_beside_repeat(length, shared, distance, match_nearer);
+                    PlainEncoder plain(data);
+                    ASSERT_EQ(compress(data), plain.run())
+                        << length << ", " << shared << " at " << distance << ", " << match_nearer;
+                    repeats += plain.repeats[0] > 0;
+                    matches += plain.repeats[0] == 0;
+                }
+            }
+        }
+    }
+    EXPECT_GT(repeats, 100);
+    EXPECT_GT(matches, 100);
+}
+
 TEST_F(Lzma, ReachesBackOneWindowAndNoFurther) {
     for (const size_t distance : {16383u, 16384u, 16385u}) {
         Bytes data = generated(distance);
