@@ -648,6 +648,19 @@ TEST_F(Lzma, ReachesBackOneWindowAndNoFurther) {
     }
 }
 
+// Two needles at the longest distance with a byte between them that differs: a match,
+// a literal, and a repeat.
+TEST_F(Lzma, RepeatsTheLongestDistance) {
+    const Bytes needle = bytes_of("the first needle, the second needle");
+    Bytes data = generated(16384);
+    std::copy(needle.begin(), needle.end(), data.begin());
+    data.insert(data.end(), needle.begin(), needle.end());
+    data[16384 + 17] = '!';
+    PlainEncoder plain(data);
+    EXPECT_EQ(compress(data), plain.run());
+    EXPECT_EQ(plain.repeats[0], 1);
+}
+
 TEST_F(Lzma, KeepsNothingFromOneObjectToTheNext) {
     const Bytes first = rows(20), second = bytes_of("abcabcabcabcabcabc");
     compress(first);
