@@ -357,10 +357,14 @@ TEST(ConvertText, RefusesAFractionWhoseIntegerPartNeedsMoreThanSixtyFourBits) {
                    {"9.3e18", eRANGE, 0},
                    {"-9.3e18", eRANGE, 0},
                    {"9.2e18", sTRUNCATE, 9200000000000000000},
-                   {"-9.2e18", sTRUNCATE, -9200000000000000000}});
+                   {"-9.2e18", sTRUNCATE, -9200000000000000000},
+                   {"9.223372036854775808e18", eRANGE, 0},
+                   {"-9.223372036854775808e18", sTRUNCATE, INT64_MIN},
+                   {"-9.223372036854777856e18", eRANGE, 0}}); // the next double
     check_numbers(cnv_stringToUInt64, 8,
                   {{"1.5e300", eRANGE, 0},
                    {"1.9e19", eRANGE, 0},
+                   {"1.8446744073709551616e19", eRANGE, 0},
                    {"1.8e19", sTRUNCATE, static_cast<int64_t>(18000000000000000000U)}});
 }
 
