@@ -11,6 +11,7 @@
 #include "schema_drop.h"
 
 #include "schema.h"
+#include "schema_fcns.h"
 #include "schema_internal.h"
 
 namespace {
@@ -172,9 +173,8 @@ void clear_first_value(SCH_REF_INFO ri) {
     OAK_VALUE &value = ri->ref_col_vals[0].value;
     SCH_COL_INFO_C ci = ri->sort_cols[0].col;
     SCH_TYPE_INFO_C pi = ci != nullptr ? effective_type(ci) : nullptr;
-    if (value.status == vsOKAY && pi != nullptr && pi->type == value.type &&
-        pi->type_info != nullptr && pi->type_info->free_fcn != nullptr) {
-        pi->type_info->free_fcn(&value, tag_of(ri));
+    if (pi != nullptr && pi->type == value.type && pi->type_info != nullptr) {
+        sch_col_free_fcn(ci, &value, tag_of(ri));
     }
     value.status = vsNOVAL;
 }
