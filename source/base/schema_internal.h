@@ -15,6 +15,7 @@
 #include <cstring>
 #include <strings.h>
 
+#include "base_internal.h"
 #include "ll.h"
 #include "oakvaluetypes.h"
 #include "schema_handles.h"
@@ -22,16 +23,8 @@
 #include "schema_types.h"
 
 namespace oak::schema {
-
-/// The class of a type: OAK_TYPE_CLASS_TEXT and kin.
-constexpr int type_class(OAK_TYPE type) {
-    return static_cast<int32_t>(type) & OAK_TYPE_CLASS_MASK;
-}
-
-constexpr bool is_large_object(OAK_TYPE type) {
-    return (static_cast<int32_t>(type) & OAK_TYPE_LARGE_OBJECT) != 0;
-}
-
+using oak::is_large_object;
+using oak::type_class;
 } // namespace oak::schema
 
 // ---- A column's or a domain's type -------------------------------------------

@@ -472,10 +472,6 @@ OAK_RETCODE schload_domain(SCHLOAD &s, const OAK_JSON_VAL &) {
 
 // ---- Columns ----------------------------------------------------------------
 
-bool is_large_object(OAK_TYPE type) {
-    return (static_cast<uint32_t>(type) & OAK_TYPE_LARGE_OBJECT) != 0;
-}
-
 OAK_RETCODE schload_colid(SCHLOAD &s, const OAK_JSON_VAL &value) {
     OAK_RETCODE status = check_number(s, value.v.num, 0, k16);
     if (status != sOKAY) {
@@ -534,7 +530,7 @@ OAK_RETCODE schload_col_keyid(SCHLOAD &s, const OAK_JSON_VAL &value) {
 // A large object has a drawer and only a large object has one; the drawer may
 // stand before the domain or behind it.
 OAK_RETCODE check_drawer_and_domain(SCHLOAD &s, OAK_TYPE type) {
-    if (s.type != OAK_NOVAL && !is_large_object(type)) {
+    if (s.type != OAK_NOVAL && !oak::is_large_object(type)) {
         return refuse(s, "a column with a drawer is no large object");
     }
     return sOKAY;

@@ -388,7 +388,7 @@ OAK_RETCODE sch_type_set_elems(SCH_TYPE_INFO pi, uint16_t val) {
     if (rc != sOKAY) {
         return rc;
     }
-    const int kind = type_class(pi->type);
+    const unsigned kind = type_class(pi->type);
     if (kind < OAK_TYPE_CLASS_BOOL || kind > OAK_TYPE_CLASS_FLOAT) {
         return eBADCAT;
     }

@@ -16,7 +16,7 @@ inline const OAK_ROW_BUFFER_INFO &row_layout(SCH_TBL_INFO_C ti) {
 
 /// The column with an index, live or dropped; null where the table has none.
 inline SCH_COL_INFO_C column_at(SCH_TBL_INFO_C ti, uint32_t ndx) {
-    return ndx < ti->next_col ? ti->cols[ndx] : nullptr;
+    return oak::schema::entry(ti->cols, ti->next_col, ndx);
 }
 
 /// The column at a position among the live columns, below num_cols. Null where the
@@ -33,13 +33,12 @@ inline OAK_COL_INDEX live_position(SCH_TBL_INFO_C ti, SCH_COL_INFO_C ci) {
     return ci->name != nullptr ? sch_find_col_active_ndx(ti, ci->ndx) : OAK_INDEX_NONE;
 }
 
-/// The effective type: the domain's where the column has one.
 inline SCH_TYPE_INFO_C type_of(SCH_COL_INFO_C ci) {
-    return ci->domain != nullptr ? &ci->domain->type : &ci->type;
+    return oak::schema::effective_type(ci);
 }
 
 inline bool is_large_object(SCH_COL_INFO_C ci) {
-    return (static_cast<uint32_t>(type_of(ci)->type) & OAK_TYPE_LARGE_OBJECT) != 0;
+    return oak::is_large_object(type_of(ci)->type);
 }
 
 inline bool is_rowid(SCH_COL_INFO_C ci) {
@@ -53,7 +52,7 @@ inline bool is_foreign_key(SCH_COL_INFO_C ci) {
 
 /// The key with an AVL number, null where none is.
 inline SCH_KEY_INFO_C avl_key(SCH_TBL_INFO_C ti, OAK_KEY_INDEX number) {
-    return number < ti->next_avl ? ti->avls[number] : nullptr;
+    return oak::schema::entry(ti->avls, ti->next_avl, number);
 }
 
 } // namespace schema_view

@@ -12,9 +12,13 @@
 #include <cstring>
 #include <type_traits>
 
+#include "base_internal.h"
 #include "bcd.h"
 #include "datetime.h"
 #include "types.h"
+
+using oak::is_large_object;
+using oak::type_class;
 
 namespace {
 
@@ -61,14 +65,6 @@ constexpr Limits LIMITS[] = {
 };
 
 // ---- Reading payloads ---------------------------------------------------------
-
-unsigned type_class(OAK_TYPE type) {
-    return static_cast<unsigned>(type) & OAK_TYPE_CLASS_MASK;
-}
-
-bool is_large_object(OAK_TYPE type) {
-    return (static_cast<unsigned>(type) & OAK_TYPE_LARGE_OBJECT) != 0;
-}
 
 // Elements and records behind a pointer may lie at any address, since values
 // can point into a buffer.
