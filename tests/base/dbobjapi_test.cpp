@@ -68,9 +68,14 @@ TEST_F(StoredObject, MarksFormatAndMethodInItsHeader) {
         {OAK_COMPRESS_LZMA, OAK_ITEM_FORMAT_EXPANDED, OBJ_EXPANDED_LZMA},
         {OAK_COMPRESS_ZERO, OAK_ITEM_FORMAT_EXPANDED, OBJ_EXPANDED_ZERO},
     };
+    std::string compressed;
     for (const auto &row : rows) {
         ASSERT_EQ(store(Bytes(100, 'x'), row.method, 0, row.format), sOKAY);
         EXPECT_EQ(stored_.data[0], row.header);
+        if (row.method != OAK_COMPRESS_NONE) { // the mark alone tells the methods apart
+            compressed = compressed.empty() ? stored_hex().substr(2) : compressed;
+            EXPECT_EQ(stored_hex().substr(2), compressed);
+        }
         EXPECT_EQ(stored_.len % OAK_OBJ_PADDING, 0u);
         ASSERT_EQ(obj_convert_in(&back_, &stored_, nullptr, &format_, lzma_), sOKAY);
         EXPECT_EQ(format_, row.format);
@@ -85,6 +90,15 @@ TEST_F(StoredObject, StoresWhatIsBelowTheMinimumWhateverTheMethod) {
     ASSERT_EQ(store(Bytes(10, 'a'), OAK_COMPRESS_LZMA, 10), sOKAY);
     // Exactly the minimum is compressed: header, length 10, range coder, padding.
     EXPECT_EQ(stored_hex(), "120a0030eb7c00000000000000000000");
+}
+
+TEST_F(StoredObject, StaysCompressedWhenItGrows) {
+    const Bytes object = oaktest::unhex("8f 03 d1 7a 5c e6 29 b4 40 9b f2 18 67 ad 31");
+    ASSERT_EQ(store(object, OAK_COMPRESS_LZMA, 0), sOKAY);
+    EXPECT_EQ(stored_.data[0], OBJ_COMPACT_LZMA);
+    EXPECT_EQ(stored_.len, 32u) << "stored as it is it would take 16";
+    ASSERT_EQ(obj_convert_in(&back_, &stored_, nullptr, &format_, lzma_), sOKAY);
+    EXPECT_EQ(back_hex(), oaktest::hex(object.data(), object.size()));
 }
 
 TEST_F(StoredObject, CompressesTheEmptyObjectWhenTheMinimumIsZero) {
@@ -115,6 +129,16 @@ TEST_F(StoredObject, ReadsBackWithItsPadding) {
     ASSERT_EQ(obj_convert_in(&back_, &stored_, nullptr, &format_, nullptr), sOKAY);
     EXPECT_EQ(back_hex(), "7a7a7a7a7a" + std::string(20, '0'));
     EXPECT_EQ(back_.pos, 0u);
+}
+
+TEST_F(StoredObject, ReplacesWhatStoodInTheDestination) {
+    for (const OAK_COMPRESS_METHOD method : {OAK_COMPRESS_NONE, OAK_COMPRESS_LZMA}) {
+        ASSERT_EQ(store(Bytes(15, 'n'), method, 0), sOKAY);
+        b_buffReset(&back_);
+        ASSERT_EQ(b_buffEmitBytesBulk(&back_, "what stood there", 16), sOKAY);
+        ASSERT_EQ(obj_convert_in(&back_, &stored_, nullptr, &format_, lzma_), sOKAY);
+        EXPECT_EQ(Bytes(back_.data, back_.data + back_.len), Bytes(15, 'n')) << method;
+    }
 }
 
 TEST_F(StoredObject, BecomesAViewOfAStaticBuffer) {
@@ -190,6 +214,15 @@ TEST_F(StoredObject, IsDecipheredWholeInMemoryOfItsOwn) {
     EXPECT_EQ(back_hex(), "010203");
     EXPECT_EQ(enciphered, oaktest::unhex("10 000102")) << "the caller's bytes stay enciphered";
     EXPECT_EQ(stored_hex(), "11010203");
+}
+
+TEST_F(StoredObject, StaysDecipheredAfterAFailure) {
+    uint8_t key = 1;
+    const OAK_ENCRYPT_S encipherment{&key, nullptr, add_key};
+    const Bytes enciphered = oaktest::unhex("12 0304");
+    ASSERT_EQ(b_buffEmitBytesBulk(&stored_, enciphered.data(), enciphered.size()), sOKAY);
+    EXPECT_EQ(obj_convert_in(&back_, &stored_, &encipherment, &format_, lzma_), eSYS_ERROR);
+    EXPECT_EQ(stored_hex(), "130405");
 }
 
 TEST_F(StoredObject, ReturnsWhatTheDeciphermentSays) {

@@ -373,6 +373,7 @@ TEST_F(TwoTables, DropAColumnOnceAlone) {
 TEST_F(TwoTables, DropTheOnlyColumnOfADomainWithTheDomain) {
     SCH_COL_INFO ci = member_->cols[3];
     ASSERT_EQ(sch_type_set_check_str(sch_col_type(ci), "check"), sOKAY);
+    ASSERT_EQ(sch_type_set_check_name(sch_col_type(ci), "check_name"), sOKAY);
     ASSERT_EQ(sch_tbl_col_drop(ci), sOKAY);
     EXPECT_EQ(sch_domain(sch_, 1), nullptr);
     EXPECT_EQ(sch_num_domains(sch_), 0);
@@ -382,6 +383,7 @@ TEST_F(TwoTables, DropTheOnlyColumnOfADomainWithTheDomain) {
     EXPECT_EQ(sch_col_byte_len(ci), 21u);
     EXPECT_NE(ci->type.type_info, nullptr);
     EXPECT_EQ(sch_col_check_str(ci), nullptr);
+    EXPECT_EQ(sch_col_check_name(ci), nullptr);
     EXPECT_NOTHING_DANGLES(sch_);
 }
 

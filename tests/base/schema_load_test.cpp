@@ -141,6 +141,7 @@ TEST(Catalog, SetsTablesAndColumns) {
     EXPECT_EQ(sch_col_key(id), sch_get_key_by_index(customer, 0));
     EXPECT_TRUE(sch_col_not_null(id));
     EXPECT_STREQ(sch_col_not_null_cname(id), "id_set");
+    EXPECT_EQ(sch_col_usage(id), 1) << "the low 16 bits";
     EXPECT_EQ(sch_col_width(id), 8);
     EXPECT_STREQ(sch_col_format(id), "0");
     EXPECT_STREQ(sch_col_defstr(sch_get_col_by_index(customer, 1)), "x");
@@ -212,6 +213,17 @@ TEST(Catalog, AcceptsEachMemberUpToItsBounds) {
         {"\"dwrid\": 10, \"name\"", "\"dwrid\": -1, \"name\""},
         {"\"r_tabid\": \"1\"", "\"r_tabid\": \"1 and junk behind it\""},
         {"\"encryption\": \"AES128\"", "\"encryption\": \"none\""},
+        {"\"nodoms\": 2", "\"nodoms\": 3"},
+        {"\"nextdrawer\": 11", "\"nextdrawer\": 12"},
+        {"\"nexttab\": 3", "\"nexttab\": 4"},
+        {"\"dwrid\": 9, \"tabid\": \"2\", \"srcid\": 2",
+         "\"dwrid\": 9, \"tabid\": \"65534\", \"srcid\": 65534"},
+        {"\"nocols\": 3", "\"nocols\": 65535"},
+        {"\"nextcol\": 3", "\"nextcol\": 4"},
+        {"\"nokeys\": 2", "\"nokeys\": 65535"},
+        {"\"nextkey\": 2", "\"nextkey\": 3"},
+        {"\"length\": 5", "\"length\": 65535"},
+        {"\"noelts\": 4", "\"noelts\": 32767"},
         {"\"database\"", "\"DataBase\""},
         {"\"catver\"", "\"CATVER\""},
         {"\"type\": \"hash\"", "\"type\": \"HASH\""},
@@ -263,6 +275,7 @@ TEST(Catalog, RefusesEachMemberBeyondItsBounds) {
         {"\"defValue\": \"1.50\"", "\"defValue\": \"much\""},
         {"\"data_type\": \"decimal\"", "\"data_type\": \"bcd\""},
         {"\"noelts\": 4", "\"noelts\": 65536"},
+        {"\"noelts\": 4", "\"noelts\": 32768"}, // 65536 bytes
         {"\"length\": 10", "\"length\": 256"},
         {"\"length\": 5", "\"length\": 65536"},
         {"\"scale\": 2", "\"scale\": 256"},
@@ -327,6 +340,8 @@ TEST(Catalog, RefusesEachMemberBeyondItsBounds) {
         {"\"dwrid\": 8, \"name\"", "\"dwrid\": 7, \"name\""},
         {"\"otabid\": \"1\"", "\"otabid\": \"0\""},
         {"\"otabid\": \"1\"", "\"otabid\": \"3\""},
+        {"\"otabid\": \"1\", ", ""},
+        {"\"pkeyid\": \"0\",", ""},
         {"\"pkeyid\": \"0\"", "\"pkeyid\": \"5\""},
         {"\"on_upd\": \"cascade\"", "\"on_upd\": \"explode\""},
         {"\"on_del\": \"set null\"", "\"on_del\": \"setnull\""},
@@ -520,6 +535,28 @@ TEST(Catalog, StoresWideTypesAsUtf8UnlessUnicodeIsEnabled) {
     const oaktest::Catalog disabled(text);
     EXPECT_EQ(sch_col_data_type(sch_get_col_by_index(disabled.table("t"), 0)), OAK_WCHAR_UTF8);
     EXPECT_EQ(sch_col_data_type(sch_get_col_by_index(disabled.table("t"), 1)), OAK_WVARCHAR_UTF8);
+    EXPECT_FALSE(sch_drawer_compact(sch_tbl_drawer_info(disabled.table("t"))));
+    const oaktest::Catalog enabled(text, true);
+    EXPECT_EQ(sch_col_data_type(sch_get_col_by_index(enabled.table("t"), 0)), OAK_WCHAR);
+    EXPECT_EQ(sch_col_data_type(sch_get_col_by_index(enabled.table("t"), 1)), OAK_WVARCHAR);
+    EXPECT_TRUE(sch_drawer_compact(sch_tbl_drawer_info(enabled.table("t"))));
+    // A large object of wide characters is stored as UTF-8 either way.
+    const oaktest::Catalog large(
+        one_table(R"({"colid": 0, "name": "c", "dwrid": 6, "type": {"data_type": "wclob"}})", 1, "",
+                  R"(,{"dwrid": 6, "tabid": "1", "srcid": 0, "type": "blob"})", 7),
+        true);
+    EXPECT_EQ(sch_col_data_type(sch_get_col_by_index(large.table("t"), 0)), OAK_WCLOB_UTF8);
+}
+
+TEST(Catalog, GivesItsLocaleToTheTextColumnsBehindIt) {
+    std::string text =
+        one_table(R"({"colid": 0, "name": "a", "type": {"data_type": "char", "length": 4}})", 1);
+    const oaktest::Catalog catalog(replaced(text, R"("name": "test")", R"("locale": "C")"));
+    EXPECT_STREQ(sch_locale_text(catalog.schema()), "C");
+    ASSERT_NE(sch_locale(catalog.schema()), nullptr);
+    const SCH_TYPE_INFO_C pi = sch_col_type_c(sch_get_col_by_index(catalog.table("t"), 0));
+    EXPECT_EQ(sch_type_locale(pi), sch_locale(catalog.schema()));
+    EXPECT_TRUE(sch_type_use_locale(pi));
 }
 
 TEST(Catalog, KnowsEveryDataType) {
@@ -652,6 +689,55 @@ TEST(Catalog, ReturnsTheStatusesOfTheFinalPassAsTheyStand) {
     for (const Change &change : changes) {
         EXPECT_EQ(load(replaced(kFull, change.from, change.to)), eRANGE) << change.to;
     }
+}
+
+TEST(Catalog, LinksEveryColumnOfAReference) {
+    const oaktest::Catalog catalog(replaced(kFull, R"("nocols": 1, "nosortcols": 1, "cols": ["1"])",
+                                            R"("nocols": 2, "nosortcols": 1, "cols": ["1", "0"])"));
+    const SCH_TBL_INFO visit = catalog.table("visit");
+    const SCH_REF_INFO ref = sch_get_ref_by_index(visit, 0);
+    EXPECT_EQ(sch_ref_col(ref, 0), sch_get_col_by_index(visit, 1));
+    EXPECT_EQ(sch_ref_col(ref, 1), sch_get_col_by_index(visit, 0));
+}
+
+TEST(Catalog, DecidesWhetherAnUpdateWritesTheJoinList) {
+    const std::string with_key_usage =
+        replaced(kFull, "\"name\": \"who\"", "\"name\": \"who\", \"usage\": 1");
+    const struct {
+        const std::string catalog;
+        const char *on_update;
+        bool requires_write;
+    } rows[] = {
+        {kFull, "noval", false},           {kFull, "restrict", false},
+        {kFull, "cascade", false}, // the column is in no key and not sorted on
+        {with_key_usage, "cascade", true}, {with_key_usage, "restrict", false},
+        {kFull, "set null", true},
+    };
+    for (const auto &row : rows) {
+        const oaktest::Catalog catalog(
+            replaced(row.catalog, "\"on_upd\": \"cascade\"",
+                     std::string("\"on_upd\": \"") + row.on_update + "\""));
+        const SCH_REF_INFO_C ref = sch_get_ref_by_index(catalog.table("visit"), 0);
+        EXPECT_EQ(sch_ref_requires_write_for_update(ref) != OAK_FALSE, row.requires_write)
+            << row.on_update;
+    }
+}
+
+TEST(Catalog, RefusesAForeignKeyColumnThatIsTiedToAKeyAllTheSame) {
+    EXPECT_EQ(
+        load(replaced(kFull, "\"keyid\": 0, \"usage\"", "\"keyid\": 0, \"refid\": 0, \"usage\"")),
+        eBADCAT);
+}
+
+// A table may stand at the limit itself; the final pass ends below it, so that
+// nothing of the table is linked.
+TEST(Catalog, LeavesATableAtTheLimitUnlinked) {
+    const std::string text = R"({"database": {"maxtabs": 3, "nexttab": 2, "tables": [
+        {"tabid": 2, "name": "t", "nocols": 1, "nextcol": 1, "maxcols": 1, "columns": [
+            {"colid": 0, "name": "c", "refid": 0, "type": {"data_type": "int8"}}]}]}})";
+    const oaktest::Catalog catalog(text);
+    EXPECT_EQ(sch_find_table_by_ndx(catalog.schema(), 2), nullptr);
+    EXPECT_EQ(load(replaced(text, "\"nexttab\": 2", "\"nexttab\": 3")), eBADCAT);
 }
 
 TEST(Catalog, RefusesANamelessReferenceWithColumns) {
