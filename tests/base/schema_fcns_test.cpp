@@ -78,6 +78,19 @@ TEST(ColumnCompare, TakesANullBufferForNull) {
     EXPECT_EQ(sch_col_cmp_buff_fcn(c.ci, 0, &one, &two, sizeof two), OAK_LT);
 }
 
+TEST(ColumnCompare, HandsTheLimitOnToTexts) {
+    const OneColumn c("varchar", ", \"length\": 10");
+    OAK_VALUE one, other;
+    oak_valueInit(&one);
+    oak_valueInit(&other);
+    ASSERT_EQ(oak_valueSetString(&one, "abc"), sOKAY);
+    ASSERT_EQ(oak_valueSetString(&other, "abd"), sOKAY);
+    EXPECT_EQ(sch_col_cmp_fcn(c.ci, 0, &one, &other), OAK_LT);
+    EXPECT_EQ(sch_col_cmp_fcn(c.ci, 2, &one, &other), OAK_EQ);
+    EXPECT_EQ(sch_col_cmp_buff_fcn(c.ci, 0, &one, "abd", 4), OAK_LT);
+    EXPECT_EQ(sch_col_cmp_buff_fcn(c.ci, 2, &one, "abd", 4), OAK_EQ);
+}
+
 TEST(ColumnCompare, FindsLargeObjectsEqual) {
     const OneColumn c(large_column("blob"));
     OAK_VALUE value;
@@ -100,6 +113,10 @@ TEST(ColumnCopy, CopiesThePayloadOfAValueAlone) {
     EXPECT_NE(to.vt.cv, from.vt.cv);
     sch_col_free_fcn(c.ci, &to, tag);
     EXPECT_EQ(to.status, vsNOVAL);
+    // No more than the extra bytes are allocated: two characters and their end.
+    EXPECT_EQ(sch_col_copy_fcn(c.ci, &to, &from, 3, tag), sTRUNCATE);
+    EXPECT_STREQ(to.vt.cv, "ab");
+    sch_col_free_fcn(c.ci, &to, tag);
     OAK_VALUE null = null_value();
     null.type = OAK_VARCHAR;
     null.elts = 3;
@@ -125,6 +142,12 @@ TEST(ColumnCopy, GoesToARecordBufferWithItsHasValueByte) {
     EXPECT_EQ(has_value, 0);
     EXPECT_EQ(data, 7);
     EXPECT_EQ(sch_col_copy_to_buff_fcn(c.ci, &data, &size, nullptr, &seven), sOKAY);
+    OAK_VALUE none;
+    oak_valueInit(&none);
+    data = 5;
+    ASSERT_EQ(sch_col_copy_to_buff_fcn(c.ci, &data, &size, &has_value, &none), sOKAY);
+    EXPECT_EQ(has_value, 1) << "what is not NULL has a value, though none is written";
+    EXPECT_EQ(data, 5);
     // A column that cannot be NULL has no byte to set.
     const OneColumn set(one_table(
         R"({"colid": 0, "name": "c", "not_null": "", "type": {"data_type": "int32"}})", 1));
@@ -166,11 +189,16 @@ TEST(ColumnCopy, WritesTextWithItsSize) {
     size = sizeof text;
     ASSERT_EQ(sch_col_copy_to_str_fcn(c.ci, 0, text, &size, nullptr, &day), sOKAY);
     EXPECT_STREQ(text, "0001-01-01");
+    OAK_VALUE moment; // 01:02:03.0004
+    oak_valueInit(&moment);
+    oak_valueSetTime(&moment, 37230004);
+    size = sizeof text;
+    ASSERT_EQ(sch_col_copy_to_str_fcn(c.ci, 0, text, &size, nullptr, &moment), sOKAY);
+    EXPECT_STREQ(text, "01:02:03.0004");
+    EXPECT_EQ(size, 14u);
     OAK_VALUE word;
     oak_valueInit(&word);
     ASSERT_EQ(oak_valueSetString(&word, "too long for it"), sOKAY);
-    word.type = OAK_BINARY; // any road to text
-    word.type = OAK_CHAR;
     size = 4;
     EXPECT_EQ(sch_col_copy_to_str_fcn(c.ci, 0, text, &size, &has_value, &word), sTRUNCATE);
     EXPECT_STREQ(text, "too");
@@ -205,6 +233,19 @@ TEST(ColumnCopy, ComesFromARecordBuffer) {
     EXPECT_EQ(value.status, vsNULL);
     ASSERT_EQ(sch_col_copy_from_buff_fcn(c.ci, &value, data, sizeof data, &no, tag), sOKAY);
     EXPECT_EQ(value.status, vsNULL);
+    const OAK_HAS_VALUE_T other = 2; // 1 alone says that there is a value
+    ASSERT_EQ(sch_col_assign_from_buff_fcn(c.ci, &value, data, sizeof data, &other), sOKAY);
+    EXPECT_EQ(value.status, vsNULL);
+    // A column without such a byte is never NULL.
+    const OneColumn set(one_table(
+        R"({"colid": 0, "name": "c", "not_null": "", "type": {"data_type": "int8"}})", 1));
+    const int8_t eight = 8;
+    ASSERT_EQ(sch_col_assign_from_buff_fcn(set.ci, &value, &eight, 1, &no), sOKAY);
+    EXPECT_EQ(value.status, vsOKAY);
+    EXPECT_EQ(value.vt.i8v, 8);
+    value.status = vsNOVAL;
+    ASSERT_EQ(sch_col_copy_from_buff_fcn(set.ci, &value, &eight, 1, &no, tag), sOKAY);
+    EXPECT_EQ(value.status, vsOKAY);
 }
 
 TEST(ColumnPack, WritesFromARecordBuffer) {
@@ -294,6 +335,21 @@ TEST(ColumnText, TellsHowAValueIsBestShown) {
     EXPECT_EQ(shown(text, "\x7f\x80\xfe"), SCH_NATIVE_FORMAT);
     EXPECT_EQ(shown(text, "\xff"), SCH_UTF8_BINARY_FORMAT);
     EXPECT_EQ(shown(wide, "\t"), SCH_NATIVE_FORMAT); // narrow text alone is scanned
+    const struct {
+        const char *type;
+        SCH_FORMAT of_tab;
+    } rows[] = {{"varchar", SCH_UTF8_BINARY_FORMAT},
+                {"wvarchar", SCH_NATIVE_FORMAT},
+                {"varbinary", SCH_BINARY_FORMAT}};
+    for (const auto &row : rows) {
+        const OneColumn c(row.type, ", \"length\": 20");
+        EXPECT_EQ(shown(c, "\t"), row.of_tab) << row.type;
+    }
+    const OneColumn blob(large_column("blob")), clob(large_column("clob")),
+        wclob(large_column("wclob"));
+    EXPECT_EQ(shown(blob, "\t"), SCH_BINARY_FORMAT);
+    EXPECT_EQ(shown(clob, "\t"), SCH_UTF8_BINARY_FORMAT);
+    EXPECT_EQ(shown(wclob, "\t"), SCH_NATIVE_FORMAT);
     SCH_FORMAT format = static_cast<SCH_FORMAT>(9);
     value.status = vsNULL;
     EXPECT_EQ(sch_col_tostring_type_fcn(text.ci, &value, 0, &format), sOKAY);
@@ -449,6 +505,15 @@ TEST(Default, ReadsDatesTimesAndTheirKeywords) {
     const OneColumn day("date", "");
     ASSERT_EQ(set_default(day, "0001-01-02"), sOKAY);
     EXPECT_EQ(day.ci->def.vt.dtv, 2u);
+    const OneColumn time("time", ""), timetz("timetz", ""), stamp("timestamp", "");
+    ASSERT_EQ(set_default(time, "01:02:03"), sOKAY); // in ten-thousandths of a second
+    EXPECT_EQ(time.ci->def.vt.tmv, 37230000u);
+    ASSERT_EQ(set_default(timetz, "02:00:00+01:00"), sOKAY);
+    EXPECT_EQ(timetz.ci->def.vt.tmzv.time, 36000000u); // held in UTC
+    EXPECT_EQ(timetz.ci->def.vt.tmzv.tz, 60);
+    ASSERT_EQ(set_default(stamp, "0001-01-02 02:00:00"), sOKAY);
+    EXPECT_EQ(stamp.ci->def.vt.tsv.date, 2u);
+    EXPECT_EQ(stamp.ci->def.vt.tsv.time, 72000000u);
     const OneColumn moment("timestamptz", "");
     ASSERT_EQ(set_default(moment, "0001-01-02 02:00:00+01:00"), sOKAY);
     ASSERT_NE(moment.ci->def.vt.tszv, nullptr);
@@ -484,6 +549,11 @@ TEST(Default, CopiesTextWithoutAnyTest) {
     }
     const OneColumn clob(large_column("clob"));
     EXPECT_EQ(set_default(clob, "text"), sOKAY);
+    EXPECT_STREQ(clob.ci->def.vt.cv, "text");
+    ASSERT_EQ(set_default(clob, nullptr), sOKAY); // frees it while the type still knows how
+    ASSERT_EQ(sch_type_set_data_type(sch_col_type(clob.ci), OAK_WCLOB, OAK_TRUE), sOKAY);
+    EXPECT_EQ(set_default(clob, "text"), sOKAY);
+    EXPECT_STREQ(clob.ci->def.vt.cv, "text");
     const OneColumn wclob(large_column("wclob"));
     EXPECT_EQ(set_default(wclob, "text"), eNOTIMPLEMENTED);
 }
@@ -512,6 +582,10 @@ TEST(Default, ReadsBinaryFromHexDigits) {
         EXPECT_EQ(c.ci->def.vt.pv, nullptr);
         EXPECT_EQ(c.ci->def.len, 0u);
     }
+    const OneColumn blob(large_column("blob"));
+    EXPECT_EQ(set_default(blob, "fF00"), sOKAY);
+    ASSERT_EQ(blob.ci->def.len, 2u);
+    EXPECT_EQ(oaktest::hex(blob.ci->def.vt.pv, 2), "ff00");
 }
 
 TEST(Default, IsNotThereForAColumnWithoutAType) {
