@@ -62,7 +62,8 @@ OAK_API OAK_RETCODE obj_convert_in(OAK_BUFFER *dst, OAK_BUFFER *buffer, OAK_ENCR
                                    OAK_ITEM_FORMAT *item_format, LZMA compress_info);
 
 /* The inner half of obj_convert_in: reads the header at the position of `src`,
- * which it steps over, and does the rest. */
+ * which it steps over, and does the rest. An empty `src` is eEOD, and a stored
+ * body is appended to what `dst` holds; else as above. */
 OAK_API OAK_RETCODE obj_decompress(LZMA compress_info, OAK_BUFFER *src, OAK_BUFFER *dst,
                                    OAK_ITEM_FORMAT *item_format);
 

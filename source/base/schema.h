@@ -142,6 +142,7 @@ OAK_API SCH_KEY_INFO sch_find_key_by_name(SCH_INFO_C sch, const char *name);
 OAK_API SCH_KEY_INFO sch_find_key_by_ndx(SCH_INFO_C sch, OAK_TBL_INDEX table, OAK_KEY_INDEX key);
 OAK_API SCH_KEY_INFO sch_find_key_by_constant(SCH_INFO_C sch, uint32_t id);
 
+/* A reference, by the table that holds it. */
 OAK_API SCH_REF_INFO sch_find_ref_by_ndx(SCH_INFO_C sch, OAK_TBL_INDEX table, OAK_REF_INDEX ref);
 OAK_API SCH_REF_INFO sch_find_ref_by_constant(SCH_INFO_C sch, uint32_t id);
 
@@ -160,6 +161,7 @@ OAK_API void sch_calc_num_refs(SCH_INFO sch);
 
 /* ---- The system table -------------------------------------------------- */
 
+/* The table, and two of its columns; the same records in every schema. */
 OAK_API SCH_TBL_INFO_C sch_get_sysfiles_table(void);
 OAK_API SCH_COL_INFO_C sch_get_sysfiles_blob_col(void);    /* "data_blob" */
 OAK_API SCH_COL_INFO_C sch_get_sysfiles_version_col(void); /* "version" */

@@ -37,8 +37,11 @@ OAK_API OAK_COMPARE sch_col_cmp_buff_fcn(SCH_COL_INFO_C ci, uint32_t limit, cons
 
 /* ---- Copying ----------------------------------------------------------- */
 
+/* Besides eINVNULLARG these return what the type's operation does, eBADDATALEN
+ * for data that the column cannot hold and sTRUNCATE for what was cut among it. */
+
 /* Deep copy into `tag`, at most `maxExtraBytes` bytes of it allocated. Only a
- * vsOKAY value has a payload to copy. Statuses of the type's copy operation. */
+ * vsOKAY value has a payload to copy. */
 OAK_API OAK_RETCODE sch_col_copy_fcn(SCH_COL_INFO_C ci, OAK_VALUE *dst, const OAK_VALUE *src,
                                      size_t maxExtraBytes, OSL_MEMTAG tag);
 /* Value to record buffer: the payload of a vsOKAY value that is no large object

@@ -3,10 +3,11 @@
  * Law of the getters: they take a read-only handle that must not be null, never
  * fail, and cost a field access or two. A getter of an object returns that
  * object's own handle, or null when there is none; who only reads keeps it in
- * the _C type, which is what the few getters that end in _c return. A getter of an index returns
- * OAK_INDEX_NONE, of a drawer number OAK_DRAWER_NONE, when there is nothing to number. Texts belong
- * to the schema and are null when not set. "Bytes" are bytes of the column data, of a key buffer or
- * of a sort buffer, as the function says.
+ * the _C type, which is what the few getters that end in _c return. A getter of
+ * an index returns OAK_INDEX_NONE, of a drawer number OAK_DRAWER_NONE, when there
+ * is nothing to number. Texts belong to the schema and are null when not set.
+ * "Bytes" are bytes of the column data, of a key buffer or of a sort buffer, as
+ * the function says.
  *
  * Law of the setters: they return sOKAY, or a failure that leaves the object as
  * it was. eINVNULLARG: the object is null. eBADCAT: the object is part of the
@@ -33,13 +34,14 @@ OAK_C_BEGIN
 /* The one rule for every array's capacity: makes room at `*ptr` for `new_items`
  * items of `item_size` bytes, where there is room for `curr_items`. The new part
  * is zeroed. Equal sizes do nothing. eRANGE for a smaller size; eNOMEMORY; both
- * leave the array as it was. Cost: amortised, whatever the steps. */
+ * leave the array as it was. eINVNULLARG: a null `ptr`. Cost: amortised, whatever
+ * the steps. */
 OAK_API OAK_RETCODE sch_new_size_input(uint32_t curr_items, uint32_t new_items, size_t item_size,
                                        void **ptr, OSL_MEMTAG tag);
 
 /* Replaces the text at `*pstr` by a copy of `val` under `tag`; a null `val`
  * clears it. `keepCase` changes nothing: every text keeps its case. eNOMEMORY
- * leaves the old text. */
+ * leaves the old text. eINVNULLARG: a null `pstr`. */
 OAK_API OAK_RETCODE sch_string_input(const char *val, const char **pstr, OAK_BOOL_T keepCase,
                                      OSL_MEMTAG tag);
 
@@ -439,6 +441,9 @@ OAK_API OAK_COL_INDEX sch_trig_updcol(SCH_TRIG_INFO_C trgi, uint16_t n);
 /* Column reference `n`; null beyond the last. */
 OAK_API SCH_TRIG_COL_INFO sch_trig_colref(SCH_TRIG_INFO_C trgi, OAK_TRC_INDEX n);
 
+/* A column that the trigger's statement refers to: its index, the number of the
+ * variable that stands for it, whether the row before or after is meant, and
+ * where its value goes; null while no value was allocated or set. */
 OAK_API OAK_COL_INDEX sch_trigcol_colid(SCH_TRIG_COL_INFO_C tci);
 OAK_API uint16_t sch_trigcol_varno(SCH_TRIG_COL_INFO_C tci);
 OAK_API OAK_TRIG_COL_REF sch_trigcol_ref(SCH_TRIG_COL_INFO_C tci);
