@@ -387,6 +387,20 @@ TEST(CompactRow, OfATableWithoutColumnsEndsBehindItsJoins) {
     const oaktest::Catalog catalog(one_table("", 0));
     RowBench row(catalog.table("t"));
     ASSERT_EQ(row.unpack_compact("0000"), sOKAY); // not even an end mark is read
+    EXPECT_EQ(row.row_.row_data, nullptr);
+    EXPECT_EQ(row.row_.data.b.col_status, nullptr);
+}
+
+TEST(ExpandedRow, OfATableWithoutColumnsIsEmpty) {
+    const oaktest::Catalog catalog(one_table("", 0));
+    RowBench row(catalog.table("t"));
+    EXPECT_EQ(row.expanded(), "0000000000000000");
+    ASSERT_EQ(row.unpack_expanded(Bytes(8)), sOKAY);
+    EXPECT_EQ(row.row_.row_data, nullptr);
+    EXPECT_EQ(row.row_.avls, nullptr);
+    EXPECT_EQ(row.row_.joins, nullptr);
+    EXPECT_EQ(row.row_.data.b.col_status, nullptr);
+    EXPECT_EQ(row.row_.data.b.col_data, nullptr);
 }
 
 // ---- Damage ------------------------------------------------------------------
@@ -541,8 +555,13 @@ TEST_F(RowOfDatabase, KeepsItsStreamWhereTheDatabaseSaysSo) {
     ASSERT_EQ(row.unpack_compact("000003000201800100"), sOKAY);
     EXPECT_EQ(row.row_.format, OAK_ROW_FORMAT_COMPACT);
     EXPECT_EQ(row.row_.row_data, nullptr);
+    const OAK_BUFFER *stream = row.row_.data.c.buffer;
     ASSERT_EQ(row_convert(&row.row_, OAK_ROW_FORMAT_BUFFER), sOKAY);
     EXPECT_EQ(row.get<int32_t>(2), 64);
+    void *returned =
+        osl_poolGetMem(dbi_.bufferPool, sizeof(OAK_BUFFER), OSL_MEM_PLAIN, 0, __FILE__, __LINE__);
+    EXPECT_EQ(returned, stream) << "its buffer is the pool's";
+    osl_poolPut(dbi_.bufferPool, returned);
     ASSERT_EQ(row_convert(&row.row_, OAK_ROW_FORMAT_COMPACT), sOKAY);
     EXPECT_EQ(row.compact(), "000003000201800100");
 }
@@ -653,6 +672,21 @@ TEST(Row, LeavesNothingBehindWhenMemoryEnds) {
             b_decoderDestroy(decoder);
             return status;
         });
+    EXPECT_EQ(runs > 0, oaktest::faults_are_injected());
+}
+
+TEST(ExpandedRow, LeavesNothingBehindWhenMemoryEnds) {
+    const oaktest::Catalog catalog(linked_tables());
+    RowBench row(catalog.table("t"));
+    row.load(oaktest::unhex(row.expanded()));
+    const uint64_t runs = oaktest::sweep_faults(oaktest::Resource::memory, {eNOMEMORY}, [&] {
+        OAK_ROW other{};
+        const OAK_RETCODE status =
+            row_unpack_expanded(&other, row.decoder_, 1, row.ti_, row.tag_, nullptr, nullptr);
+        EXPECT_EQ(other.row_data != nullptr, status == sOKAY);
+        row_free(&other);
+        return status;
+    });
     EXPECT_EQ(runs > 0, oaktest::faults_are_injected());
 }
 

@@ -198,6 +198,28 @@ TEST(LazyLists, AreNotThereWhenMemoryIsExhausted) {
     EXPECT_EQ(walk_keys(sch, OAK_FORWARD), "1.0 ");
     EXPECT_EQ(walk_lobs(sch, OAK_FORWARD), "0.4 1.0 ");
 }
+
+TEST(LazyLists, AreNotLeftHalfFilled) {
+    uint64_t injected = 1;
+    for (uint64_t nth = 1; injected > 0; ++nth) {
+        Schema sch;
+        SCH_TBL_INFO ti = sch.table(1, "t");
+        for (OAK_KEY_INDEX n = 0; n < 3; ++n) {
+            Schema::key(ti, n, "k", OAK_KEY_TYPE_UNIQUE, OAK_KEY_METHOD_BTREE, {});
+            Schema::column(ti, n, "c", OAK_BLOB);
+        }
+        osl_faultArm(OSL_FAULT_MEMORY, nth, OAK_FALSE);
+        const OAK_RETCODE rc = sch_create_key_list(sch);
+        injected = osl_faultDisarm(OSL_FAULT_MEMORY);
+        EXPECT_EQ(rc, injected > 0 ? eNOMEMORY : sOKAY) << nth;
+        EXPECT_EQ(sch->llKeys == nullptr, injected > 0) << nth;
+        osl_faultArm(OSL_FAULT_MEMORY, nth, OAK_FALSE);
+        const bool built = sch_iterate_all_lob_cols(sch, nullptr, OAK_FORWARD) != nullptr;
+        EXPECT_EQ(built, osl_faultDisarm(OSL_FAULT_MEMORY) == 0) << nth;
+        EXPECT_EQ(sch->llBlobCols != nullptr, built) << nth;
+        EXPECT_LT(nth, 10u);
+    }
+}
 #endif
 
 // ---- Of a table --------------------------------------------------------------

@@ -1241,10 +1241,12 @@ TEST_F(ReferenceColumns, AreForgottenWhenTheirNumberIsSetAgain) {
     ASSERT_EQ(sch_ref_set_reftab(ri_, 9), sOKAY);
     ASSERT_EQ(sch_ref_set_num_cols(ri_, 2), sOKAY);
     ASSERT_EQ(sch_ref_set_col(ri_, 0, 1), sOKAY);
+    ASSERT_EQ(sch_ref_set_col(ri_, 1, 2), sOKAY);
     EXPECT_EQ(sch_ref_set_num_cols(ri_, 1), sOKAY);
     EXPECT_EQ(sch_ref_num_cols(ri_), 1);
     EXPECT_EQ(sch_ref_col(ri_, 0), nullptr);
     EXPECT_EQ(cols_[1]->num_refs, 0);
+    EXPECT_EQ(cols_[2]->num_refs, 0);
     EXPECT_EQ(sch_ref_set_num_cols(ri_, 0), sOKAY);
     EXPECT_EQ(sch_ref_col_vals(ri_), nullptr);
 }
@@ -1298,10 +1300,12 @@ TEST_F(ReferenceColumns, RefuseSortColumnsByTheCountOfLiveColumns) {
 TEST_F(ReferenceColumns, ForgetSortColumnsWhenTheirNumberIsSetAgain) {
     ASSERT_EQ(sch_ref_set_num_sort_cols(ri_, 2), sOKAY);
     ASSERT_EQ(sch_ref_set_sort_col(ri_, 0, 1), sOKAY);
+    ASSERT_EQ(sch_ref_set_sort_col(ri_, 1, 2), sOKAY);
     EXPECT_EQ(sch_ref_set_num_sort_cols(ri_, 0), sOKAY);
     EXPECT_EQ(sch_ref_num_sort_cols(ri_), 0);
     EXPECT_EQ(ri_->sort_cols, nullptr) << "none allocate nothing";
     EXPECT_EQ(cols_[1]->num_sortrefs, 0);
+    EXPECT_EQ(cols_[2]->num_sortrefs, 0);
 }
 
 // ---- Trigger -----------------------------------------------------------------
