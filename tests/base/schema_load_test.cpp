@@ -5,6 +5,7 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -384,6 +385,197 @@ TEST(Catalog, RefusesAMemberOfAnotherKind) {
     };
     for (const Change &change : changes) {
         EXPECT_EQ(load(replaced(kFull, change.from, change.to)), eBADCAT) << change.to;
+    }
+}
+
+// ---- Every member of every object ---------------------------------------------
+
+enum class Kind { number, digits, text, flag, object, array };
+
+struct Member {
+    const char *name;
+    Kind kind;
+    int64_t least = 0, greatest = 0; // equal: without bounds
+};
+
+constexpr int64_t k8 = 255, k16 = 65535, k32 = 4294967295;
+
+struct ObjectRow {
+    const char *begin; // the catalog up to the object's first member
+    const char *end;
+    std::vector<Member> members;
+};
+
+const std::vector<ObjectRow> &object_rows() {
+    static const std::vector<ObjectRow> rows = {
+        {R"({"database": {)",
+         "}}",
+         {{"catver", Kind::number, 0, k32},
+          {"dbver", Kind::number, 0, k32},
+          {"name", Kind::text},
+          {"locale", Kind::text},
+          {"encryption", Kind::text},
+          {"maxdrawers", Kind::number, 0, k32},
+          {"nodrawers", Kind::number, 0, k32},
+          {"nextdrawer", Kind::number, 0, k32},
+          {"nodoms", Kind::number, 0, k16},
+          {"maxdoms", Kind::number, 0, k16},
+          {"maxtabs", Kind::number, 0, k16},
+          {"notabs", Kind::number, 0, k16},
+          {"nexttab", Kind::number, 0, k16},
+          {"drawers", Kind::array},
+          {"domains", Kind::array},
+          {"tables", Kind::array}}},
+        {R"({"database": {"drawers": [{)",
+         "}]}}",
+         {{"dwrid", Kind::number, 0, k32 - 1},
+          {"tabid", Kind::digits, 0, k16 - 1},
+          {"srcid", Kind::number, 0, k16 - 1},
+          {"type", Kind::text}}},
+        {R"({"database": {"domains": [{)",
+         "}]}}",
+         {{"domid", Kind::number, 0, k16},
+          {"name", Kind::text},
+          {"type", Kind::object},
+          {"width", Kind::number, 0, k8},
+          {"format", Kind::text},
+          {"defValue", Kind::text},
+          {"defNull", Kind::flag}}},
+        {R"({"database": {"maxdoms": 1, "domains": [{"domid": 0, "type": {)",
+         "}}]}}",
+         {{"data_type", Kind::text},
+          {"noelts", Kind::number, 0, k16},
+          {"length", Kind::number, 0, k16},
+          {"scale", Kind::number, 0, k8},
+          {"checkStr", Kind::text},
+          {"checkName", Kind::text}}},
+        {R"({"database": {"tables": [{)",
+         "}]}}",
+         {{"tabid", Kind::number, 0, k16},
+          {"dwrid", Kind::number, -1, k32},
+          {"type", Kind::text},
+          {"name", Kind::text},
+          {"checkStr", Kind::text},
+          {"checkName", Kind::text},
+          {"maxrows", Kind::number},
+          {"nocols", Kind::number, 0, k16},
+          {"nextcol", Kind::number, 0, k16},
+          {"maxcols", Kind::number, 0, k16},
+          {"nokeys", Kind::number, 0, k16},
+          {"nextkey", Kind::number, 0, k16},
+          {"maxkeys", Kind::number, 0, k16},
+          {"norefs", Kind::number, 0, k16},
+          {"maxrefs", Kind::number, 0, k16},
+          {"columns", Kind::array},
+          {"keys", Kind::array},
+          {"refs", Kind::array}}},
+        {R"({"database": {"tables": [{"columns": [{)",
+         "}]}]}}",
+         {{"colid", Kind::number, 0, k16},
+          {"name", Kind::text},
+          {"domid", Kind::digits, 0, k16},
+          {"keyid", Kind::number, 0, k16},
+          {"refid", Kind::number, 0, k16},
+          {"r_tabid", Kind::digits, 0, k16},
+          {"r_colid", Kind::digits, 0, k16},
+          {"dwrid", Kind::number, 0, k32},
+          {"usage", Kind::number},
+          {"not_null", Kind::text},
+          {"width", Kind::number, 0, k8},
+          {"format", Kind::text},
+          {"defValue", Kind::text},
+          {"defNull", Kind::flag},
+          {"type", Kind::object}}},
+        {R"({"database": {"tables": [{"keys": [{)",
+         "}]}]}}",
+         {{"keyid", Kind::number, 0, k16},
+          {"dwrid", Kind::number, -1, k32},
+          {"name", Kind::text},
+          {"type", Kind::text},
+          {"method", Kind::text},
+          {"restrict", Kind::flag},
+          {"refcount", Kind::number, 0, INT64_MAX},
+          {"nocols", Kind::number, 0, k16},
+          {"cols", Kind::array}}},
+        {R"({"database": {"maxtabs": 2, "nexttab": 2, "tables": [{"tabid": 1, "maxkeys": 1,
+             "keys": [{"keyid": 0, "nocols": 1, "cols": [{)",
+         "}]}]}]}}",
+         {{"colid", Kind::digits, 0, k16}, {"order", Kind::text}}},
+        {R"({"database": {"tables": [{"refs": [{)",
+         "}]}]}}",
+         {{"refid", Kind::number, 0, k16},
+          {"dwrid", Kind::number, 0, k32},
+          {"name", Kind::text},
+          {"otabid", Kind::digits, 0, k16},
+          {"pkeyid", Kind::digits, 0, k16},
+          {"on_upd", Kind::text},
+          {"on_del", Kind::text},
+          {"nocols", Kind::number, 0, k16},
+          {"nosortcols", Kind::number, 0, k16},
+          {"cols", Kind::array},
+          {"sortcols", Kind::array}}},
+        {R"({"database": {"tables": [{"refs": [{"sortcols": [{)",
+         "}]}]}]}}",
+         {{"colid", Kind::digits, 0, k16}, {"order", Kind::text}}},
+    };
+    return rows;
+}
+
+/// Why the catalog with this member alone in the object is refused.
+std::string refusal(const ObjectRow &object, const char *name, const std::string &value) {
+    SCH_LOAD_WHERE where{};
+    OAK_IGNORE_STATUS(
+        load(std::string(object.begin) + "\"" + name + "\": " + value + object.end, &where),
+        "the reason tells more");
+    return where.reason != nullptr ? where.reason : "";
+}
+
+TEST(CatalogMembers, TakeOneKindOfValueEach) {
+    const struct {
+        const char *value;
+        std::vector<Kind> kinds; // of which it is one
+    } values[] = {
+        {"1", {Kind::number}},  {"\"1\"", {Kind::digits, Kind::text}},
+        {"true", {Kind::flag}}, {"{}", {Kind::object}},
+        {"[]", {Kind::array}},  {"1.5", {}},
+        {"null", {}},
+    };
+    const std::string refused = "the value is of another kind than the member's";
+    for (const ObjectRow &object : object_rows()) {
+        for (const Member &member : object.members) {
+            for (const auto &value : values) {
+                const bool fits =
+                    std::count(value.kinds.begin(), value.kinds.end(), member.kind) > 0;
+                EXPECT_EQ(refusal(object, member.name, value.value) == refused, !fits)
+                    << object.begin << member.name << ": " << value.value;
+            }
+        }
+        EXPECT_EQ(refusal(object, "unheard_of", "1"), "no member of this object has the name");
+    }
+}
+
+TEST(CatalogMembers, TakeNumbersWithinTheirBounds) {
+    for (const ObjectRow &object : object_rows()) {
+        for (const Member &member : object.members) {
+            if (member.least == member.greatest) {
+                continue;
+            }
+            const bool digits = member.kind == Kind::digits;
+            const std::string refused = digits ? "the text is no number within its bounds"
+                                               : "the number is out of its bounds";
+            const auto is_refused = [&](int64_t number) {
+                const std::string quote = digits ? "\"" : "";
+                return refusal(object, member.name, quote + std::to_string(number) + quote) ==
+                       refused;
+            };
+            SCOPED_TRACE(std::string(object.begin) + member.name);
+            EXPECT_TRUE(is_refused(member.least - 1));
+            EXPECT_FALSE(is_refused(member.least));
+            EXPECT_FALSE(is_refused(member.greatest));
+            if (member.greatest < INT64_MAX) {
+                EXPECT_TRUE(is_refused(member.greatest + 1));
+            }
+        }
     }
 }
 
