@@ -515,6 +515,7 @@ TEST(ColumnLookup, PassesOverHolesAndDroppedColumns) {
     EXPECT_EQ(sch_find_col_by_name(ti, "ONE"), one);
     EXPECT_EQ(sch_find_col_by_name(ti, "tWo"), three);
     EXPECT_EQ(sch_find_col_by_name(ti, "on"), nullptr);
+    EXPECT_EQ(sch_find_col_by_name(sch_get_sysfiles_table(), "NAME"), _SysFilesCols[0]);
     EXPECT_EQ(sch_find_col_by_name(ti, ""), nullptr);
     EXPECT_EQ(sch_find_col_by_name(ti, nullptr), nullptr);
     EXPECT_EQ(sch_find_col_by_ndx(sch, 1, 0), nullptr) << "a hole";
