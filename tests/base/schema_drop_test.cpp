@@ -657,6 +657,78 @@ TEST(TriggerDrop, FindsTheNameInAnyCaseAndLeavesTheRecord) {
     EXPECT_EQ(sch_trig_drop(nullptr, "third"), eINVNULLARG);
 }
 
+// ---- Memory ------------------------------------------------------------------
+
+#ifdef OSL_FAULT_INJECTION
+// Each makes an object in table 1, which has three columns, and drops it.
+const struct {
+    const char *name;
+    uint64_t stays; // blocks that stay with the schema's tag
+    void (*make_and_drop)(Schema &sch, SCH_TBL_INFO ti);
+} kDrops[] = {
+    {"a table", 0,
+     [](Schema &sch, SCH_TBL_INFO) {
+         SCH_TBL_INFO ti = sch.table(2, "dropped");
+         ASSERT_EQ(sch_tbl_set_check_str(ti, "check"), sOKAY);
+         ASSERT_EQ(sch_tbl_set_check_name(ti, "check_name"), sOKAY);
+         ASSERT_EQ(sch_tbl_set_max_avls(ti, 3), sOKAY);
+         Schema::key(ti, 0, "k", OAK_KEY_TYPE_UNIQUE, OAK_KEY_METHOD_BTREE, {});
+         Schema::reference(ti, 0, "r", 2, {});
+         ASSERT_EQ(sch_tbl_set_next_col(ti, 1), sOKAY); // so that live columns are indexed
+         ASSERT_EQ(sch_tbl_finalize(ti, OAK_FALSE), sOKAY);
+         ASSERT_NE(ti->active_ndx, nullptr);
+         ASSERT_EQ(sch_tbl_drop(ti), sOKAY);
+     }},
+    {"a column", 1, // its record
+     [](Schema &sch, SCH_TBL_INFO ti) {
+         SCH_COL_INFO ci = Schema::not_null_column(ti, 3, "dropped", OAK_BLOB);
+         ASSERT_EQ(sch_col_set_not_null(ci, "constraint"), sOKAY);
+         sch.drawer(6, OAK_DRAWER_BLOB, 1, 3);
+         ASSERT_EQ(sch_col_set_blob_drawer(ci, 6), sOKAY);
+         ASSERT_EQ(sch_tbl_col_drop(ci), sOKAY);
+     }},
+    {"a key", 0,
+     [](Schema &sch, SCH_TBL_INFO ti) {
+         SCH_KEY_INFO ki =
+             Schema::key(ti, 0, "k", OAK_KEY_TYPE_UNIQUE, OAK_KEY_METHOD_BTREE, {0, 1});
+         sch.drawer(6, OAK_DRAWER_BTREE, 1, 0);
+         ASSERT_EQ(sch_key_set_drawer(ki, 6), sOKAY);
+         sch_key_drop_fcn(ki);
+     }},
+    {"a reference", 1, // its column values
+     [](Schema &sch, SCH_TBL_INFO ti) {
+         SCH_REF_INFO ri = Schema::reference(ti, 0, "r", 1, {0, 1}, {2});
+         sch.drawer(6, OAK_DRAWER_REF, 1, 0);
+         ASSERT_EQ(sch_ref_set_drawer(ri, 6), sOKAY);
+         ASSERT_EQ(sch_ref_drop(ti, 0), sOKAY);
+     }},
+    {"a domain", 0,
+     [](Schema &sch, SCH_TBL_INFO) {
+         SCH_DOMAIN_INFO mi = sch.domain(2, "d", OAK_INT8);
+         ASSERT_EQ(sch_dom_set_format(mi, "%d"), sOKAY);
+         ASSERT_EQ(sch_string_input("5", &mi->defstr, OAK_TRUE, sch_tag(sch)), sOKAY);
+         ASSERT_EQ(sch_dom_drop(mi), sOKAY);
+     }},
+};
+
+TEST(Drops, GiveBackWhatTheObjectsHeld) {
+    for (const auto &row : kDrops) {
+        Schema sch;
+        SCH_TBL_INFO ti = sch.table(1, "t");
+        for (OAK_COL_INDEX n = 0; n < 3; ++n) {
+            Schema::column(ti, n, "c", OAK_INT8);
+        }
+        // What the schema and the table keep for more objects is there already.
+        sch.domain(1, "d", OAK_INT8);
+        sch.drawer(5, OAK_DRAWER_TABLE, 1, 1);
+        Schema::reference(ti, 7, "r", 1, {});
+        const uint64_t before = osl_faultLiveUnderTag(sch_tag(sch));
+        row.make_and_drop(sch, ti);
+        EXPECT_EQ(osl_faultLiveUnderTag(sch_tag(sch)), before + row.stays) << row.name;
+    }
+}
+#endif
+
 // ---- In any order ------------------------------------------------------------
 
 /// Drops one object chosen at random, if there is one.
