@@ -43,6 +43,19 @@ class StoredObject : public testing::Test {
     OAK_ITEM_FORMAT format_ = static_cast<OAK_ITEM_FORMAT>(0);
 };
 
+TEST(StoredHeaders, HaveFixedNumbers) {
+    EXPECT_EQ(OAK_COMPRESS_NONE, 1);
+    EXPECT_EQ(OAK_COMPRESS_LZMA, 2);
+    EXPECT_EQ(OAK_COMPRESS_ZERO, 4);
+    EXPECT_EQ(OBJ_COMPACT_NONE, 17);
+    EXPECT_EQ(OBJ_COMPACT_LZMA, 18);
+    EXPECT_EQ(OBJ_COMPACT_ZERO, 20);
+    EXPECT_EQ(OBJ_EXPANDED_NONE, 33);
+    EXPECT_EQ(OBJ_EXPANDED_LZMA, 34);
+    EXPECT_EQ(OBJ_EXPANDED_ZERO, 36);
+    EXPECT_EQ(OAK_OBJ_PADDING, 16);
+}
+
 TEST_F(StoredObject, PadsFourteenBytesWithOne) {
     ASSERT_EQ(store(Bytes(14, 0xab), OAK_COMPRESS_NONE, 0), sOKAY);
     EXPECT_EQ(stored_hex(), "11" + std::string("abababababababababababababab") + "00");

@@ -28,6 +28,12 @@ std::string three_ints() {
 
 // ---- Known streams and layout ------------------------------------------------
 
+TEST(Row, FormsHaveFixedNumbers) {
+    EXPECT_EQ(OAK_ROW_FORMAT_BUFFER, 1);
+    EXPECT_EQ(OAK_ROW_FORMAT_VALUE, 2);
+    EXPECT_EQ(OAK_ROW_FORMAT_COMPACT, 3);
+}
+
 TEST(Row, HasTheKnownLayoutForThreeNullableInts) {
     const oaktest::Catalog catalog(three_ints());
     const SCH_TBL_INFO ti = catalog.table("t");

@@ -317,6 +317,9 @@ TEST(ColumnText, PrintsValuesAndNull) {
 }
 
 TEST(ColumnText, TellsHowAValueIsBestShown) {
+    EXPECT_EQ(SCH_NATIVE_FORMAT, 0);
+    EXPECT_EQ(SCH_BINARY_FORMAT, 1);
+    EXPECT_EQ(SCH_UTF8_BINARY_FORMAT, 2);
     const OneColumn number("int32", ""), binary("binary", ", \"length\": 4"),
         text("char", ", \"length\": 20"), wide("wchar", ", \"length\": 20");
     OAK_VALUE value{};

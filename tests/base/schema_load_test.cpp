@@ -884,12 +884,18 @@ TEST(Catalog, ReturnsTheStatusesOfTheFinalPassAsTheyStand) {
 }
 
 TEST(Catalog, LinksEveryColumnOfAReference) {
-    const oaktest::Catalog catalog(replaced(kFull, R"("nocols": 1, "nosortcols": 1, "cols": ["1"])",
-                                            R"("nocols": 2, "nosortcols": 1, "cols": ["1", "0"])"));
+    const oaktest::Catalog catalog(
+        replaced(replaced(kFull, R"("nocols": 1, "nosortcols": 1, "cols": ["1"])",
+                          R"("nocols": 2, "nosortcols": 2, "cols": ["1", "0"])"),
+                 R"("sortcols": [)", R"("sortcols": [{"colid": "3", "order": "asc"}, )"));
     const SCH_TBL_INFO visit = catalog.table("visit");
     const SCH_REF_INFO ref = sch_get_ref_by_index(visit, 0);
     EXPECT_EQ(sch_ref_col(ref, 0), sch_get_col_by_index(visit, 1));
     EXPECT_EQ(sch_ref_col(ref, 1), sch_get_col_by_index(visit, 0));
+    EXPECT_EQ(sch_ref_sort_col(ref, 0), sch_get_col_by_index(visit, 3));
+    EXPECT_EQ(sch_sort_dir(sch_ref_sort(ref, 0)), OAK_FORWARD);
+    EXPECT_EQ(sch_ref_sort_col(ref, 1), sch_get_col_by_index(visit, 0));
+    EXPECT_EQ(sch_sort_dir(sch_ref_sort(ref, 1)), OAK_REVERSE);
 }
 
 TEST(Catalog, DecidesWhetherAnUpdateWritesTheJoinList) {
