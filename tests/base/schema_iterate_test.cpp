@@ -208,11 +208,17 @@ TEST(LazyLists, AreNotLeftHalfFilled) {
             Schema::key(ti, n, "k", OAK_KEY_TYPE_UNIQUE, OAK_KEY_METHOD_BTREE, {});
             Schema::column(ti, n, "c", OAK_BLOB);
         }
+        const uint64_t before = osl_faultLiveUnderTag(sch_tag(sch));
         osl_faultArm(OSL_FAULT_MEMORY, nth, OAK_FALSE);
         const OAK_RETCODE rc = sch_create_key_list(sch);
         injected = osl_faultDisarm(OSL_FAULT_MEMORY);
         EXPECT_EQ(rc, injected > 0 ? eNOMEMORY : sOKAY) << nth;
         EXPECT_EQ(sch->llKeys == nullptr, injected > 0) << nth;
+        const uint64_t live = osl_faultLiveUnderTag(sch_tag(sch));
+        EXPECT_EQ(live == before, injected > 0) << nth;
+        EXPECT_EQ(sch_create_key_list(sch), sOKAY);
+        EXPECT_EQ(osl_faultLiveUnderTag(sch_tag(sch)) == live, injected == 0)
+            << "a list that was there is gone";
         osl_faultArm(OSL_FAULT_MEMORY, nth, OAK_FALSE);
         const bool built = sch_iterate_all_lob_cols(sch, nullptr, OAK_FORWARD) != nullptr;
         EXPECT_EQ(built, osl_faultDisarm(OSL_FAULT_MEMORY) == 0) << nth;

@@ -628,7 +628,8 @@ TEST(CompactDrawers, HoldNativeWideCharacters) {
         SCH_TBL_INFO ti = sch.table(1, "t");
         Schema::column(ti, 0, "a", OAK_INT8);
         Schema::column(ti, 1, "b", type, 9);
-        SCH_KEY_INFO with = Schema::key(ti, 0, "k", OAK_KEY_TYPE_UNIQUE, OAK_KEY_METHOD_BTREE, {1});
+        SCH_KEY_INFO with =
+            Schema::key(ti, 0, "k", OAK_KEY_TYPE_UNIQUE, OAK_KEY_METHOD_BTREE, {0, 1});
         SCH_KEY_INFO without =
             Schema::key(ti, 1, "l", OAK_KEY_TYPE_UNIQUE, OAK_KEY_METHOD_BTREE, {0});
         SCH_REF_INFO sorted = Schema::reference(ti, 0, "r", 1, {}, {0, 1});
