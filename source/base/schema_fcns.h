@@ -51,9 +51,10 @@ OAK_API OAK_RETCODE sch_col_copy_to_buff_fcn(SCH_COL_INFO_C ci, void *data, size
                                              OAK_HAS_VALUE_T *hasValue, const OAK_VALUE *col);
 /* Value to text in `str`: `*strsize` holds its room and receives the bytes, the
  * terminator included. Dates as YYYY-MM-DD, times with four fraction digits,
- * zones by `tz_disp`. Of a NULL nothing is written, and its size is 0. A null
- * `str` measures; no room measures too, with sTRUNCATE. sTRUNCATE: the text was
- * cut; else as conversions fail. */
+ * zoned ones in their own zone: `tz_disp` goes to the conversion, which for a text
+ * does not use it. Of a NULL nothing is written, and its size is 0. A null `str`
+ * measures; no room measures too, with sTRUNCATE. sTRUNCATE: the text was cut;
+ * else as conversions fail. */
 OAK_API OAK_RETCODE sch_col_copy_to_str_fcn(SCH_COL_INFO_C ci, int16_t tz_disp, char *str,
                                             size_t *strsize, OAK_HAS_VALUE_T *hasValue,
                                             const OAK_VALUE *col);

@@ -254,6 +254,14 @@ TEST_F(StoredObject, IsReadFromItsPositionByTheInnerHalf) {
     EXPECT_EQ(back_.len, 2u);
     EXPECT_EQ(back_.data[0], 0x0a);
     EXPECT_EQ(format_, OAK_ITEM_FORMAT_COMPACT);
+    EXPECT_EQ(obj_decompress(nullptr, &packed_, &back_, &format_), eEOD) << "nothing to read";
+    OAK_BUFFER holding;
+    b_buffInit(&holding, tag_);
+    ASSERT_EQ(b_buffEmitByte(&holding, 0x09), sOKAY);
+    stored_.pos = 2;
+    ASSERT_EQ(obj_decompress(nullptr, &stored_, &holding, &format_), sOKAY);
+    EXPECT_EQ(oaktest::hex(holding.data, holding.len), "090a0b");
+    b_buffTerm(&holding);
 }
 
 TEST_F(StoredObject, RefusesNullArguments) {

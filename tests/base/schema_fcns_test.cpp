@@ -196,6 +196,15 @@ TEST(ColumnCopy, WritesTextWithItsSize) {
     ASSERT_EQ(sch_col_copy_to_str_fcn(c.ci, 0, text, &size, nullptr, &moment), sOKAY);
     EXPECT_STREQ(text, "01:02:03.0004");
     EXPECT_EQ(size, 14u);
+    const OAK_PACKED_TIMESTAMPTZ_T zoned = {2, 36000000, 60}; // 01:00 UTC, an hour east of it
+    moment.type = OAK_TIMESTAMPTZ;
+    moment.vt.tszv = &zoned;
+    for (const int16_t zone : {0, 120}) {
+        char shown[40];
+        size = sizeof shown;
+        ASSERT_EQ(sch_col_copy_to_str_fcn(c.ci, zone, shown, &size, nullptr, &moment), sOKAY);
+        EXPECT_STREQ(shown, "0001-01-02 02:00:00.0000 +01:00") << "in its own zone";
+    }
     OAK_VALUE word;
     oak_valueInit(&word);
     ASSERT_EQ(oak_valueSetString(&word, "too long for it"), sOKAY);
