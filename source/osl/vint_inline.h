@@ -9,8 +9,10 @@
 #ifndef VINT_INLINE_H
 #define VINT_INLINE_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "oakretcodetypes.h"
 
@@ -60,6 +62,32 @@ class VintGatherer {
     uint32_t shift_ = 0;
 };
 
+/// The groups of up to eight bytes, the first in the lowest byte of `bytes`, put
+/// together: neighbours are joined to fields of 14, 28 and 56 bits.
+constexpr uint64_t vint_join_groups(uint64_t bytes) {
+    bytes = (bytes & 0x007f007f007f007f) | (bytes & 0x7f007f007f007f00) >> 1;
+    bytes = (bytes & 0x00003fff00003fff) | (bytes & 0x3fff00003fff0000) >> 2;
+    return (bytes & 0x000000000fffffff) | (bytes & 0x0fffffff00000000) >> 4;
+}
+
+/// vint_decode for a form of two to eight bytes where eight can be read; false for
+/// a longer one.
+inline bool vint_decode_eight(const uint8_t *bytes, uint64_t *value, size_t *used) {
+    constexpr uint64_t kMoreBits = 0x8080808080808080;
+    uint64_t word;
+    std::memcpy(&word, bytes, sizeof word);
+    if constexpr (std::endian::native == std::endian::big) {
+        word = __builtin_bswap64(word);
+    }
+    const uint64_t last = ~word & kMoreBits; // its lowest bit ends the form
+    if (last == 0) {
+        return false;
+    }
+    *value = vint_join_groups(word & (last ^ (last - 1)));
+    *used = static_cast<size_t>(std::countr_zero(last)) / 8 + 1;
+    return true;
+}
+
 /// Reads one integer from the front of `bytes`. sOKAY sets the value and how many
 /// bytes it took; eINVVARINT: no form of a 64-bit value; eEOD: the bytes end within
 /// it. A failure sets nothing.
@@ -67,6 +95,9 @@ inline OAK_RETCODE vint_decode(const uint8_t *bytes, size_t size, uint64_t *valu
     if (size > 0 && bytes[0] <= kVintGroupMask) [[likely]] {
         *value = bytes[0];
         *used = 1;
+        return sOKAY;
+    }
+    if (size >= sizeof(uint64_t) && vint_decode_eight(bytes, value, used)) [[likely]] {
         return sOKAY;
     }
     VintGatherer gatherer;
