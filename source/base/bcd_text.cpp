@@ -17,6 +17,7 @@
 // Rests on bcd.cpp for copies and digit words, and on the platform layer for the
 // text of a double. Nothing is allocated.
 #include "bcd_internal.h"
+#include "bcd_packed_internal.h"
 #include "bcd_words.h"
 #include "state_machine.h"
 #include "text_output.h"
@@ -384,6 +385,160 @@ bool fits_a_column(uint8_t prec, uint8_t scale) {
     return prec <= BCD_DIGITS && scale <= BCD_DIGITS;
 }
 
+// The packed form by words: place 0, where the sign is, and the places of the
+// digits behind it, eight to a word.
+constexpr int MOST_PLACES = 1 + BCD_DIGITS;
+constexpr int MOST_WORDS = words_for(MOST_PLACES);
+constexpr int WORD_BYTES = WORD_DIGITS / 2; // packed
+static_assert(MOST_WORDS * WORD_BYTES == BCD_PACKED_BLOCK);
+static_assert(MOST_PLACES == (MOST_WORDS - 1) * WORD_DIGITS + 1);
+
+// Nearly every column has up to 15 digits: place 0 and the digits are then one
+// number of 16 bytes, and moving digits is a shift.
+constexpr int WIDE_PLACES = 16;
+__extension__ using Wide = unsigned __int128;
+
+Wide wide_of(uint64_t high, uint64_t low) {
+    return Wide{high} << 64 | low;
+}
+uint64_t high_word(Wide wide) {
+    return static_cast<uint64_t>(wide >> 64);
+}
+uint64_t low_word(Wide wide) {
+    return static_cast<uint64_t>(wide);
+}
+uint64_t odd_digits(Wide wide) {
+    return bcd_words::odd_digits(high_word(wide)) | bcd_words::odd_digits(low_word(wide));
+}
+
+/// The first `places` places, 1 to 16; the others become zero.
+Wide first_places(Wide wide, int places) {
+    const int behind = 8 * (WIDE_PLACES - places);
+    return wide >> behind << behind;
+}
+
+/// A 9 at each digit's place of a column.
+Wide wide_nines(int prec) {
+    return first_places(wide_of(0x0009090909090909, 0x0909090909090909), prec + 1);
+}
+
+/// bcd_pack_clean for a column of up to 15 digits. The digits are brought to their
+/// places in two shifts, the first of which drops what is past them.
+bool pack_wide(const OAK_BCD_T *bcd, int prec, int leading, uint8_t *packed) {
+    Wide digits = wide_of(load_word(bcd->data), load_word(bcd->data + WORD_DIGITS));
+    digits = digits >> 8 * (WIDE_PLACES - 1 - bcd->prec)
+                           << 8 * (WIDE_PLACES - 1 - bcd->prec - leading);
+    if (odd_digits(digits) != 0)
+        return false;
+    if (bcd->sign <= 0)
+        digits = wide_nines(prec) - digits;
+    store_nibbles(packed, nibbles_of(high_word(digits)));
+    store_nibbles(packed + WORD_DIGITS / 2, nibbles_of(low_word(digits)));
+    return true;
+}
+
+/// bcd_unpack_clean's digits for such a column; their count, below 0 for a nibble
+/// that is no digit.
+int unpack_wide(const uint8_t *packed, int prec, bool positive, OAK_BCD_T *bcd) {
+    Wide digits = wide_of(word_of_nibbles(load_nibbles(packed)) & ~uint64_t{0} >> 8,
+                          word_of_nibbles(load_nibbles(packed + WORD_DIGITS / 2)));
+    digits = first_places(digits, prec + 1);
+    if (odd_digits(digits) != 0)
+        return -1;
+    if (!positive)
+        digits = wide_nines(prec) - digits;
+    const uint64_t high = high_word(digits);
+    const int zeros =
+        high != 0 ? leading_zero_digits(high) : WORD_DIGITS + leading_zero_digits(low_word(digits));
+    const int first = std::min(zeros, prec + 1); // place 0 is zero, so it is 1 at least
+    digits <<= 8 * (first - 1);
+    memset(bcd->data, 0, sizeof bcd->data);
+    store_word(bcd->data, high_word(digits));
+    store_word(bcd->data + WORD_DIGITS, low_word(digits));
+    return prec + 1 - first;
+}
+
+/// Of word `i` the places that lie below `places`; the others become zero.
+uint64_t places_below(int places, int i, uint64_t word) {
+    const int left = places - i * WORD_DIGITS;
+    if (left <= 0)
+        return 0;
+    return left < WORD_DIGITS ? first_digits(word, left) : word;
+}
+
+/// A 9 at each digit's place of a column, in word `i`.
+uint64_t nines(int prec, int i) {
+    constexpr uint64_t NINES = 0x0909090909090909;
+    return places_below(prec + 1, i, i == 0 ? NINES >> 8 : NINES);
+}
+
+/// Word `i` of the digits; the last one has a single place.
+uint64_t load_places(const OAK_BCD_T *bcd, int i) {
+    return i < MOST_WORDS - 1 ? load_word(bcd->data + i * WORD_DIGITS)
+                              : uint64_t{bcd->data[MOST_PLACES - 1]} << (8 * (WORD_DIGITS - 1));
+}
+
+void store_places(OAK_BCD_T *bcd, const uint64_t *row) {
+    for (int i = 0; i < MOST_WORDS - 1; ++i)
+        store_word(bcd->data + i * WORD_DIGITS, row[i]);
+    bcd->data[MOST_PLACES - 1] = static_cast<uint8_t>(row[MOST_WORDS - 1] >> 56);
+}
+
+/// True for zero as every operation leaves it, and for digits without a carry or a
+/// zero in front. The digits themselves are not looked at.
+bool begins_clean(const OAK_BCD_T *bcd) {
+    if (bcd->data[0] != 0)
+        return false;
+    return bcd->prec == 0 ? bcd->exp == 0 && bcd->sign > 0 : bcd->data[1] != 0;
+}
+
+/// How many places of a row come before its first digit other than 0.
+int places_before_digits(const uint64_t *row, int words) {
+    int i = 0;
+    while (i < words && row[i] == 0)
+        ++i;
+    return i == words ? words * WORD_DIGITS : i * WORD_DIGITS + leading_zero_digits(row[i]);
+}
+
+// The two for any column stay out of line, so that the usual way needs no frame.
+
+/// pack_wide for any column.
+[[gnu::noinline]] bool pack_words(const OAK_BCD_T *bcd, int prec, int leading, uint8_t *packed) {
+    const int words = words_for(prec + 1);
+    uint64_t row[MOST_WORDS];
+    uint64_t odd = 0;
+    for (int i = 0; i < words; ++i) {
+        row[i] = places_below(bcd->prec + 1, i, load_places(bcd, i));
+        odd |= bcd_words::odd_digits(row[i]);
+    }
+    if (odd != 0)
+        return false;
+    move_back(row, words, leading);
+    for (int i = 0; i < words; ++i)
+        store_nibbles(packed + i * WORD_BYTES,
+                      nibbles_of(bcd->sign > 0 ? row[i] : nines(prec, i) - row[i]));
+    return true;
+}
+
+/// unpack_wide for any column.
+[[gnu::noinline]] int unpack_words(const uint8_t *packed, int prec, bool positive, OAK_BCD_T *bcd) {
+    const int words = words_for(prec + 1);
+    uint64_t row[MOST_WORDS] = {};
+    uint64_t odd = 0;
+    for (int i = 0; i < words; ++i) {
+        const uint64_t digits = word_of_nibbles(load_nibbles(packed + i * WORD_BYTES));
+        row[i] = places_below(prec + 1, i, i == 0 ? digits & ~uint64_t{0} >> 8 : digits);
+        odd |= bcd_words::odd_digits(row[i]);
+        row[i] = positive ? row[i] : nines(prec, i) - row[i];
+    }
+    if (odd != 0)
+        return -1;
+    const int first = std::min(places_before_digits(row, words), prec + 1);
+    move_forward(row, words, first - 1);
+    store_places(bcd, row);
+    return prec + 1 - first;
+}
+
 } // namespace
 
 // ---- What bcd_functions.cpp shares --------------------------------------------------
@@ -537,12 +692,44 @@ OAK_RETCODE oak_bcdToString(const OAK_BCD_T *bcd, OAK_BOOL_T use_exponent, char 
 
 // ---- Packed form -----------------------------------------------------------------------
 
+bool bcd_pack_clean(const OAK_BCD_T *bcd, uint8_t prec, uint8_t scale, uint8_t *packed) {
+    const int leading = prec - scale - bcd->exp;
+    if (!fits_a_column(prec, scale) || bcd->prec > BCD_DIGITS || !begins_clean(bcd) ||
+        leading < 0 || leading + bcd->prec > prec)
+        return false;
+    const bool packs = prec < WIDE_PLACES ? pack_wide(bcd, prec, leading, packed)
+                                          : pack_words(bcd, prec, leading, packed);
+    if (bcd->sign > 0)
+        packed[0] |= PACKED_POSITIVE;
+    return packs;
+}
+
+bool bcd_unpack_clean(const uint8_t *packed, uint8_t prec, uint8_t scale, OAK_BCD_T *bcd) {
+    if (!fits_a_column(prec, scale))
+        return false;
+    const bool positive = (packed[0] & PACKED_POSITIVE) != 0;
+    const int count = prec < WIDE_PLACES ? unpack_wide(packed, prec, positive, bcd)
+                                         : unpack_words(packed, prec, positive, bcd);
+    if (count < 0)
+        return false;
+    bcd->prec = static_cast<uint8_t>(count);
+    bcd->exp = static_cast<int8_t>(count > 0 ? count - scale : 0);
+    bcd->flags = 0;
+    bcd->sign = positive ? 1 : -1;
+    return true;
+}
+
 OAK_RETCODE oak_bcdPack(const OAK_BCD_T *bcd, OAK_PACKED_BCD_T *packed, uint8_t prec,
                         uint8_t scale) {
     if (bcd == nullptr || packed == nullptr)
         return eINVNULLARG;
     if (!fits_a_column(prec, scale))
         return eRANGE;
+    uint8_t block[BCD_PACKED_BLOCK];
+    if (bcd_pack_clean(bcd, prec, scale, block)) {
+        memcpy(packed, block, OAK_PACKED_BCD_SIZE(prec));
+        return sOKAY;
+    }
     memset(packed, 0, OAK_PACKED_BCD_SIZE(prec));
     if (!bcd_is_decimal(bcd)) {
         packed[0] = PACKED_POSITIVE;
@@ -566,21 +753,11 @@ OAK_RETCODE oak_bcdUnpack(const OAK_PACKED_BCD_T *packed, OAK_BCD_T *bcd, uint8_
         return eINVNULLARG;
     if (!fits_a_column(prec, scale))
         return eRANGE;
-    bcd_set_zero(bcd);
-    const bool positive = (packed[0] & PACKED_POSITIVE) != 0;
-    int count = 0;
-    for (int place = 1; place <= prec; ++place) {
-        const int nibble = packed[place / 2] >> nibble_shift(place) & 0x0F;
-        if (nibble > 9) {
-            bcd_set_zero(bcd);
-            return eINVBCD;
-        }
-        const int digit = positive ? nibble : 9 - nibble;
-        if (count > 0 || digit != 0)
-            bcd->data[++count] = static_cast<uint8_t>(digit);
+    uint8_t block[BCD_PACKED_BLOCK] = {};
+    memcpy(block, packed, OAK_PACKED_BCD_SIZE(prec));
+    if (!bcd_unpack_clean(block, prec, scale, bcd)) {
+        bcd_set_zero(bcd);
+        return eINVBCD; // a nibble that is no digit
     }
-    bcd->sign = positive ? 1 : -1;
-    bcd->prec = static_cast<uint8_t>(count);
-    bcd->exp = static_cast<int8_t>(count > 0 ? count - scale : 0);
     return sOKAY;
 }

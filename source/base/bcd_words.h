@@ -74,6 +74,43 @@ inline void move_back(uint64_t *row, int words, int digits) {
         row[i] = 0;
 }
 
+/// Moves a row of words forward by some digits; zeros follow.
+inline void move_forward(uint64_t *row, int words, int digits) {
+    const int whole = digits / WORD_DIGITS;
+    const int part = digits % WORD_DIGITS;
+    for (int i = 0; i < words; ++i) {
+        const uint64_t word = i + whole < words ? row[i + whole] : 0;
+        const uint64_t next = i + whole + 1 < words ? row[i + whole + 1] : 0;
+        row[i] = digits_across(word, next, part);
+    }
+}
+
+// ---- Nibbles -----------------------------------------------------------------
+
+/// The eight digits of a word as eight nibbles, and back.
+inline uint32_t nibbles_of(uint64_t word) {
+    word = (word | word >> 4) & 0x00FF00FF00FF00FF;
+    word = (word | word >> 8) & 0x0000FFFF0000FFFF;
+    return static_cast<uint32_t>(word | word >> 16);
+}
+inline uint64_t word_of_nibbles(uint32_t nibbles) {
+    uint64_t word = (nibbles | uint64_t{nibbles} << 16) & 0x0000FFFF0000FFFF;
+    word = (word | word << 8) & 0x00FF00FF00FF00FF;
+    return (word | word << 4) & 0x0F0F0F0F0F0F0F0F;
+}
+
+/// Eight nibbles in memory, the first in the high half of the first byte.
+inline uint32_t load_nibbles(const uint8_t *packed) {
+    uint32_t nibbles;
+    memcpy(&nibbles, packed, sizeof nibbles);
+    return std::endian::native == std::endian::little ? __builtin_bswap32(nibbles) : nibbles;
+}
+inline void store_nibbles(uint8_t *packed, uint32_t nibbles) {
+    if (std::endian::native == std::endian::little)
+        nibbles = __builtin_bswap32(nibbles);
+    memcpy(packed, &nibbles, sizeof nibbles);
+}
+
 // ---- Sums of words -------------------------------------------------------------
 
 /// Adds words of digits 0 to 9; `carry` is 0 or 1, in and out. 0xF6 under each digit

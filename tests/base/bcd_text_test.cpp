@@ -805,6 +805,52 @@ OAK_BCD_T random_of_column(Random &random, int prec, int scale) {
     return value;
 }
 
+// The packed form nibble by nibble: the sign's, then a digit for each place of the
+// column, of which the value's last one stands where the scale says; 9 less the
+// digit for a negative value.
+std::string plainly_packed(const OAK_BCD_T &value, int prec, int scale) {
+    std::string places(static_cast<size_t>(prec), '0');
+    const int first = prec - scale - value.exp; // where the value's first digit goes
+    for (int i = 0; i < value.prec; ++i)
+        places[static_cast<size_t>(first + i)] = static_cast<char>('0' + value.data[1 + i]);
+    std::string nibbles = value.sign > 0 ? "4" : "0";
+    for (const char digit : places)
+        nibbles += value.sign > 0 ? digit : static_cast<char>('0' + '9' - digit);
+    return nibbles.size() % 2 == 0 ? nibbles : nibbles + "0";
+}
+
+TEST(DecimalPack, WritesEveryColumnNibbleByNibble) {
+    Random random(6);
+    for (int prec = 1; prec <= 32; ++prec)
+        for (int scale = 0; scale <= prec; ++scale)
+            for (int i = 0; i < 8; ++i) {
+                OAK_BCD_T value = random_of_column(random, prec, scale);
+                const std::string expected = plainly_packed(value, prec, scale);
+                EXPECT_EQ(packed(value, prec, scale), expected) << show(value);
+                memset(value.data + 1 + value.prec, 0xAB, static_cast<size_t>(32 - value.prec));
+                EXPECT_EQ(packed(value, prec, scale), expected) << "dirt behind the digits";
+            }
+}
+
+TEST(DecimalUnpack, ReadsEveryColumnNibbleByNibble) {
+    Random random(7);
+    for (int prec = 1; prec <= 32; ++prec)
+        for (int scale = 0; scale <= prec; ++scale)
+            for (int i = 0; i < 8; ++i) {
+                const std::string digits = random_digits(random, prec);
+                const bool positive = random.below(2) == 0;
+                std::string nibbles = positive ? "4" : "0";
+                for (const char digit : digits)
+                    nibbles += positive ? digit : static_cast<char>('0' + '9' - digit);
+                nibbles += nibbles.size() % 2 == 0 ? "" : "0";
+                const size_t zeros = std::min(digits.find_first_not_of('0'), digits.size());
+                const int count = prec - static_cast<int>(zeros);
+                OAK_BCD_T expected =
+                    record(digits.substr(zeros), count != 0 ? count - scale : 0, positive ? 1 : -1);
+                EXPECT_EQ(unpacked(nibbles, prec, scale), show(expected)) << nibbles;
+            }
+}
+
 TEST(DecimalPack, ComesBackFromEveryColumn) {
     Random random(3);
     for (int prec = 1; prec <= 32; ++prec)
