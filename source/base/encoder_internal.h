@@ -78,6 +78,52 @@ inline OAK_RETCODE decoderDecodeIntmax(B_DECODER_C decoder, intmax_t *value) {
     return rc;
 }
 
+/// Where the next byte goes while several values are written straight into the
+/// encoder's buffer. Behind any other callback, or without room, there is none.
+/// Nobody else may touch the buffer between begin and settle.
+struct StreamWriter {
+    explicit StreamWriter(B_ENCODER_C encoder) : buffer(encoder_buffer(encoder)) { begin(); }
+
+    /// Takes up the place behind what the buffer holds.
+    void begin() {
+        const bool has_place = buffer != nullptr && buffer->len < buffer->size;
+        at = has_place ? buffer->data + buffer->len : nullptr;
+        end = has_place ? at + (buffer->size - buffer->len) : nullptr;
+    }
+    /// Tells the buffer what it holds now.
+    void settle() {
+        if (at != nullptr) {
+            buffer->len = static_cast<size_t>(at - buffer->data);
+        }
+    }
+    bool has_room(size_t size) const { return static_cast<size_t>(end - at) >= size; }
+
+    OAK_BUFFER *buffer;
+    uint8_t *at;
+    uint8_t *end;
+};
+
+/// The same for reading straight out of the decoder's buffer.
+struct StreamReader {
+    explicit StreamReader(B_DECODER_C decoder) : buffer(decoder_buffer(decoder)) { begin(); }
+
+    void begin() {
+        const bool has_bytes = buffer != nullptr && buffer->pos < buffer->len;
+        at = has_bytes ? buffer->data + buffer->pos : nullptr;
+        end = has_bytes ? at + (buffer->len - buffer->pos) : nullptr;
+    }
+    void settle() {
+        if (at != nullptr) {
+            buffer->pos = static_cast<size_t>(at - buffer->data);
+        }
+    }
+    size_t left() const { return static_cast<size_t>(end - at); }
+
+    OAK_BUFFER *buffer;
+    const uint8_t *at;
+    const uint8_t *end;
+};
+
 /// b_decoderDecodeStringToBuff for a buffer of `capacity` bytes, terminator
 /// included: a text that does not fit is eDBCORRUPTED before any byte is written.
 OAK_RETCODE decoderDecodeStringBounded(B_DECODER decoder, char *str, size_t capacity,

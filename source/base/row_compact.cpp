@@ -5,18 +5,25 @@
 // writer takes the links of the i-th live AVL key from the row's i-th record and
 // writes the key's number; the reader puts them back by the number's rank. Joins
 // go by reference index on both sides, so that those of a reference whose index
-// is not below the count of references are not kept. The writer leaves out rowid and foreign key
-// columns, which the reader restores or marks whatever the stream holds. And a stream says nothing
-// of a column that cannot be NULL and was not set: it reads back as vsNOVAL, not as a default.
+// is not below the count of references are not kept. The writer leaves out rowid
+// and foreign key columns, which the reader restores or marks whatever the stream
+// holds. And a stream says nothing of a column that cannot be NULL and was not set:
+// it reads back as vsNOVAL, not as a default.
+//
+// Both ways there is a tight loop over the columns whose values are handled on the
+// spot (put_columns, take_columns), and around it the general way, which every
+// other column takes and every failure: room that ends, damage, a stream that is
+// no buffer.
 #include "row_compact.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "base_internal.h"
-#include "encoder_internal.h"
+#include "column_stream_internal.h"
 #include "oakvaluetypes.h"
 #include "row_internal.h"
 #include "schema_fcns.h"
-
-using schema_view::live_column;
 
 namespace {
 
@@ -25,43 +32,74 @@ constexpr OAK_HAS_VALUE_T kHasValue = 1;
 
 // ---- Writing ----------------------------------------------------------------
 
-// False for the null that stands where the table counts a column that it lacks.
-bool is_storable(SCH_COL_INFO_C ci, OAK_COL_INDEX position, const OAK_ROW *row) {
-    if (ci == nullptr) {
-        return false;
-    }
-    const OAK_ROW_DATA_BUFFER &data = row->data.b;
-    const VAL_STATUS status = data.col_status[position];
-    const bool present =
-        status == vsOKAY || (status == vsNOVAL && schema_view::is_large_object(ci));
-    if (!present || schema_view::is_rowid(ci) || schema_view::is_foreign_key(ci)) {
-        return false;
-    }
-    return ci->has_value_off == 0 || data.col_data[ci->has_value_off] != 0;
-}
+// The columns of a row and where their values are.
+struct RowColumns {
+    explicit RowColumns(const OAK_ROW *row)
+        : columns(row->ti->row_columns), num_columns(row->ti->num_row_columns),
+          has_gaps(row->ti->active_ndx != nullptr), status(row->data.b.col_status),
+          data(row->data.b.col_data) {}
 
-OAK_RETCODE pack_avl(const OAK_AVL &avl, SCH_KEY_INFO_C key, B_ENCODER encoder) {
-    const uint64_t numbers[] = {key->avl_ndx, avl.left, avl.right, avl.flags};
-    for (const uint64_t number : numbers) {
-        const OAK_RETCODE status = encoderEncodeUintmax(encoder, number);
-        if (status != sOKAY) {
-            return status;
-        }
+    // True when the column goes into the stream.
+    bool is_storable(uint32_t position) const {
+        const SCH_ROW_COLUMN &column = columns[position];
+        const bool present =
+            status[position] == vsOKAY
+                ? column.form <= StreamForm::large_object
+                : status[position] == vsNOVAL && column.form == StreamForm::large_object;
+        return present && (column.has_value_off == 0 || data[column.has_value_off] != 0);
     }
-    return sOKAY;
-}
 
-OAK_RETCODE pack_avls(const OAK_ROW *row, B_ENCODER encoder) {
-    OAK_RETCODE status = encoderEncodeUintmax(encoder, row->ti->num_avls);
-    OAK_KEY_INDEX rank = 0;
-    for (OAK_KEY_INDEX number = 0;
-         status == sOKAY && rank < row->ti->num_avls && number < row->ti->next_avl; ++number) {
-        const SCH_KEY_INFO_C key = schema_view::avl_key(row->ti, number);
-        if (key != nullptr) {
-            status = pack_avl(row->avls[rank++], key, encoder);
+    // How many columns from a position on have consecutive indexes.
+    uint32_t run_length(uint32_t position) const {
+        uint32_t length = num_columns - position;
+        if (has_gaps) {
+            const uint32_t first = columns[position].ndx;
+            length = 1;
+            while (position + length < num_columns &&
+                   columns[position + length].ndx == first + length) {
+                ++length;
+            }
         }
+        return length;
     }
-    return status;
+
+    // The size of the group that begins at a position: storable columns of a run of
+    // `length`. The first `known` of them are known.
+    uint32_t group_size(uint32_t position, uint32_t length, uint32_t known) const {
+        while (known < length && is_storable(position + known)) {
+            ++known;
+        }
+        return known;
+    }
+
+    const SCH_ROW_COLUMN *columns;
+    uint32_t num_columns;
+    bool has_gaps; // indexes of dropped columns lie between
+    const VAL_STATUS *status;
+    const uint8_t *data;
+};
+
+// Writes columns from a position on, at most `most`, as long as each has a value
+// that can be written on the spot. Tells how many they were; *at moves behind them.
+uint32_t put_columns(const RowColumns &row, uint32_t position, uint32_t most, uint8_t **at,
+                     const uint8_t *limit) {
+    const uint8_t *data = row.data;
+    const SCH_ROW_COLUMN *column = row.columns + position;
+    const VAL_STATUS *status = row.status + position;
+    uint8_t *place = *at;
+    uint32_t count = 0;
+    for (; count < most; ++count, ++column, ++status) {
+        if (*status != vsOKAY || (column->has_value_off != 0 && data[column->has_value_off] == 0)) {
+            break;
+        }
+        uint8_t *next = column_stream::put_value(place, limit, *column, data + column->ptr);
+        if (next == nullptr) {
+            break;
+        }
+        place = next;
+    }
+    *at = place;
+    return count;
 }
 
 // A join that has an owner and whose reference was not dropped.
@@ -77,53 +115,147 @@ OAK_REF_INDEX count_joins(const OAK_ROW *row) {
     return joins;
 }
 
-OAK_RETCODE pack_joins(const OAK_ROW *row, B_ENCODER encoder) {
-    OAK_REF_INDEX left = count_joins(row);
-    OAK_RETCODE status = encoderEncodeUintmax(encoder, left);
-    for (OAK_REF_INDEX i = 0; status == sOKAY && left > 0; ++i) {
-        if (is_joined(row, i)) {
-            status = encoderEncodeUintmax(encoder, i);
-            if (status == sOKAY) {
-                status = encoderEncodeUintmax(encoder, row->joins[i].owner);
-            }
-            --left;
-        }
-    }
-    return status;
-}
+// A row in buffer form going into the encoder. One writer stays open over all of
+// it, and is closed for what only the encoder or a type can write.
+class RowPacker {
+  public:
+    RowPacker(const OAK_ROW *row, B_ENCODER encoder)
+        : row_(row), columns_(row), encoder_(encoder), writer_(encoder) {}
 
-OAK_RETCODE pack_columns(const OAK_ROW *row, B_ENCODER encoder) {
-    const OAK_COL_INDEX num_cols = row->ti->num_cols;
-    OAK_COL_INDEX position = 0;
-    while (position < num_cols) {
-        const SCH_COL_INFO_C first = live_column(row->ti, position);
-        if (!is_storable(first, position, row)) {
-            ++position;
-            continue;
+    OAK_RETCODE run() {
+        OAK_RETCODE status = avls();
+        if (status == sOKAY) {
+            status = joins();
         }
-        OAK_COL_INDEX size = 1;
-        for (++position; position < num_cols; ++position, ++size) {
-            const SCH_COL_INFO_C next = live_column(row->ti, position);
-            if (!is_storable(next, position, row) || next->ndx != first->ndx + size) {
-                break;
+        if (status == sOKAY) {
+            status = columns();
+        }
+        writer_.settle();
+        return status;
+    }
+
+    OAK_RETCODE run_group(uint32_t position, uint32_t size) {
+        const OAK_RETCODE status = group(position, size);
+        writer_.settle();
+        return status;
+    }
+
+  private:
+    // A group of a size that is known: the size, the first index, the values.
+    OAK_RETCODE group(uint32_t position, uint32_t size) {
+        OAK_RETCODE status = number(size);
+        if (status == sOKAY) {
+            status = number(columns_.columns[position].ndx);
+        }
+        return status == sOKAY ? values(position, size) : status;
+    }
+
+    OAK_RETCODE number(uint64_t number) {
+        if (writer_.has_room(osl::kMostVintBytes)) [[likely]] {
+            writer_.at = column_stream::put(writer_.at, number);
+            return sOKAY;
+        }
+        writer_.settle();
+        const OAK_RETCODE status = encoderEncodeUintmax(encoder_, number);
+        writer_.begin();
+        return status;
+    }
+
+    OAK_RETCODE avl(const OAK_AVL &links, SCH_KEY_INFO_C key) {
+        const uint64_t numbers[] = {key->avl_ndx, links.left, links.right, links.flags};
+        OAK_RETCODE status = sOKAY;
+        for (size_t i = 0; status == sOKAY && i < std::size(numbers); ++i) {
+            status = number(numbers[i]);
+        }
+        return status;
+    }
+
+    OAK_RETCODE avls() {
+        const SCH_TBL_INFO_C ti = row_->ti;
+        OAK_RETCODE status = number(ti->num_avls);
+        OAK_KEY_INDEX rank = 0;
+        for (OAK_KEY_INDEX i = 0; status == sOKAY && rank < ti->num_avls && i < ti->next_avl; ++i) {
+            if (ti->avls[i] != nullptr) {
+                status = avl(row_->avls[rank++], ti->avls[i]);
             }
         }
+        return status;
+    }
+
+    OAK_RETCODE joins() {
+        OAK_REF_INDEX left = count_joins(row_);
+        OAK_RETCODE status = number(left);
+        for (OAK_REF_INDEX i = 0; status == sOKAY && left > 0; ++i) {
+            if (is_joined(row_, i)) {
+                status = number(i);
+                status = status == sOKAY ? number(row_->joins[i].owner) : status;
+                --left;
+            }
+        }
+        return status;
+    }
+
+    OAK_RETCODE columns() {
+        OAK_RETCODE status = sOKAY;
+        for (uint32_t position = 0; status == sOKAY && position < columns_.num_columns;) {
+            uint32_t size = 1;
+            if (columns_.is_storable(position)) {
+                status = next_group(position, &size);
+            }
+            position += size;
+        }
+        return status == sOKAY ? number(0) : status; // the end mark
+    }
+
+    // The group that begins at a position. Its size stands in front of it and is
+    // known behind it: where it takes one byte, that byte is left open, so that the
+    // columns are passed once.
+    OAK_RETCODE next_group(uint32_t position, uint32_t *size) {
+        const uint32_t length = columns_.run_length(position);
+        if (length > osl::kVintGroupMask || !writer_.has_room(1 + osl::kMostVintBytes)) {
+            *size = columns_.group_size(position, length, 0);
+            return group(position, *size);
+        }
+        uint8_t *size_byte = writer_.at;
+        writer_.at = column_stream::put(size_byte + 1, columns_.columns[position].ndx);
+        const uint32_t written = put_columns(columns_, position, length, &writer_.at, writer_.end);
+        *size = columns_.group_size(position, length, written);
+        *size_byte = static_cast<uint8_t>(*size);
+        return written == *size ? sOKAY : values(position + written, *size - written);
+    }
+
+    OAK_RETCODE values(uint32_t position, uint32_t count) {
+        OAK_RETCODE status = sOKAY;
+        while (status == sOKAY && count != 0) {
+            const uint32_t written =
+                put_columns(columns_, position, count, &writer_.at, writer_.end);
+            position += written;
+            count -= written;
+            if (count != 0) {
+                status = value_by_type(position++);
+                --count;
+            }
+        }
+        return status;
+    }
+
+    OAK_RETCODE value_by_type(uint32_t position) {
+        const SCH_ROW_COLUMN &column = columns_.columns[position];
+        if (column.form == StreamForm::large_object) {
+            return number(kLargeObjectMark);
+        }
+        writer_.settle();
         const OAK_RETCODE status =
-            row_pack_compact_column_group_buffer(first->ndx, size, row, encoder);
-        if (status != sOKAY) {
-            return status;
-        }
+            sch_col_pack_buffer_fcn(column.ci, columns_.data + column.ptr, encoder_);
+        writer_.begin();
+        return status;
     }
-    return encoderEncodeUintmax(encoder, 0); // the end mark
-}
 
-OAK_RETCODE pack_buffer_form(const OAK_ROW *row, B_ENCODER encoder) {
-    OAK_RETCODE status = pack_avls(row, encoder);
-    if (status == sOKAY) {
-        status = pack_joins(row, encoder);
-    }
-    return status == sOKAY ? pack_columns(row, encoder) : status;
-}
+    const OAK_ROW *row_;
+    const RowColumns columns_;
+    B_ENCODER encoder_;
+    StreamWriter writer_;
+};
 
 // Appends a whole buffer to another, whatever its position.
 OAK_RETCODE copy_whole(const OAK_BUFFER *source, OAK_BUFFER *destination) {
@@ -157,67 +289,6 @@ OAK_AVL *avl_record(const OAK_ROW *row, OAK_KEY_INDEX number) {
     return rank < row->ti->num_avls ? &row->avls[rank] : nullptr;
 }
 
-OAK_RETCODE unpack_avl(OAK_ROW *row, B_DECODER decoder) {
-    OAK_KEY_INDEX number = 0;
-    OAK_AVL links{};
-    OAK_RETCODE status = b_decoderDecodeUint16(decoder, &number);
-    if (status == sOKAY) {
-        status = b_decoderDecodeSlot(decoder, &links.left);
-    }
-    if (status == sOKAY) {
-        status = b_decoderDecodeSlot(decoder, &links.right);
-    }
-    if (status == sOKAY) {
-        status = b_decoderDecodeUint16(decoder, &links.flags);
-    }
-    OAK_AVL *record = status == sOKAY ? avl_record(row, number) : nullptr;
-    if (record != nullptr) {
-        record->flags = links.flags; // field by field: the padding stays zero
-        record->left = links.left;
-        record->right = links.right;
-    }
-    return status;
-}
-
-// The join of a reference that the table no longer has is thrown away.
-OAK_RETCODE unpack_join(OAK_ROW *row, B_DECODER decoder) {
-    OAK_REF_INDEX ndx = 0;
-    OAK_SLOT owner = 0;
-    OAK_RETCODE status = b_decoderDecodeUint16(decoder, &ndx);
-    if (status == sOKAY) {
-        status = b_decoderDecodeSlot(decoder, &owner);
-    }
-    if (status == sOKAY && ndx < row->ti->num_refs &&
-        sch_get_ref_by_index(row->ti, ndx) != nullptr) {
-        row->joins[ndx].owner = owner;
-    }
-    return status;
-}
-
-OAK_RETCODE unpack_counted(OAK_ROW *row, B_DECODER decoder,
-                           OAK_RETCODE (*unpack_one)(OAK_ROW *row, B_DECODER decoder)) {
-    uint16_t left = 0;
-    OAK_RETCODE status = b_decoderDecodeUint16(decoder, &left);
-    for (; status == sOKAY && left > 0; --left) {
-        status = unpack_one(row, decoder);
-    }
-    return status;
-}
-
-// Before the stream is read every nullable column is NULL.
-void presume_nulls(OAK_ROW *row) {
-    for (OAK_COL_INDEX position = 0; position < row->ti->num_cols; ++position) {
-        const SCH_COL_INFO_C ci = live_column(row->ti, position);
-        if (ci != nullptr && ci->has_value_off != 0) {
-            row->data.b.col_status[position] = vsNULL;
-        }
-    }
-}
-
-OAK_HAS_VALUE_T *has_value_byte(const OAK_ROW *row, SCH_COL_INFO_C ci) {
-    return ci->has_value_off != 0 ? row->data.b.col_data + ci->has_value_off : nullptr;
-}
-
 OAK_RETCODE skip_large_object_mark(B_DECODER decoder) {
     uintmax_t mark = 0;
     return decoderDecodeUintmax(decoder, &mark);
@@ -241,108 +312,254 @@ OAK_RETCODE skip_value(const OAK_ROW *row, SCH_COL_INFO_C ci, B_DECODER decoder)
     return status;
 }
 
-OAK_RETCODE unpack_large_object(OAK_ROW *row, SCH_COL_INFO_C ci, OAK_COL_INDEX position,
-                                B_DECODER decoder) {
-    const OAK_RETCODE status = skip_large_object_mark(decoder);
-    OAK_HAS_VALUE_T *has_value = has_value_byte(row, ci);
-    if (status == sOKAY) {
-        row->data.b.col_status[position] = vsNOVAL;
-    }
-    if (status == sOKAY && has_value != nullptr) {
-        *has_value = kHasValue;
-    }
-    return status;
-}
-
-OAK_RETCODE unpack_value(OAK_ROW *row, SCH_COL_INFO_C ci, OAK_COL_INDEX position,
-                         B_DECODER decoder) {
-    const SCH_TYPE_INFO_C type = schema_view::type_of(ci);
-    OAK_HAS_VALUE_T *has_value = has_value_byte(row, ci);
-    const OAK_RETCODE status = type->type_info->unpack_to_buff_fcn(
-        type, row->data.b.col_data + ci->ptr, has_value, decoder);
-    if (status == sOKAY) {
-        row->data.b.col_status[position] =
-            has_value == nullptr || *has_value == kHasValue ? vsOKAY : vsNULL;
-    }
-    return status;
-}
-
-OAK_RETCODE unpack_column(OAK_ROW *row, uint32_t ndx, B_DECODER decoder) {
-    const SCH_COL_INFO_C ci = schema_view::column_at(row->ti, ndx);
-    if (ci == nullptr) {
-        return OAK_DAMAGED(eDBCORRUPTED); // a column that the table does not have
-    }
-    const OAK_COL_INDEX position = schema_view::live_position(row->ti, ci);
-    if (position == OAK_INDEX_NONE) {
-        return skip_value(row, ci, decoder);
-    }
-    return schema_view::is_large_object(ci) ? unpack_large_object(row, ci, position, decoder)
-                                            : unpack_value(row, ci, position, decoder);
-}
-
-OAK_RETCODE unpack_group(OAK_ROW *row, OAK_COL_INDEX size, B_DECODER decoder) {
-    OAK_COL_INDEX first = 0;
-    OAK_RETCODE status = b_decoderDecodeUint16(decoder, &first);
-    for (uint32_t i = 0; status == sOKAY && i < size; ++i) {
-        status = unpack_column(row, first + i, decoder);
-    }
-    return status;
-}
-
-OAK_RETCODE unpack_columns(OAK_ROW *row, B_DECODER decoder) {
-    for (;;) {
-        OAK_COL_INDEX size = 0;
-        OAK_RETCODE status = b_decoderDecodeUint16(decoder, &size);
-        if (status == sOKAY && size == 0) {
-            return sOKAY;
+// Reads values into columns from a position on, at most `most`, as long as each has
+// the next index and can be read on the spot. Tells how many they were; *at moves
+// behind them.
+uint32_t take_columns(OAK_ROW *row, uint32_t position, uint32_t most, const uint8_t **at,
+                      const uint8_t *limit) {
+    uint8_t *data = row->data.b.col_data;
+    const SCH_ROW_COLUMN *column = row->ti->row_columns + position;
+    VAL_STATUS *status = row->data.b.col_status + position;
+    const uint32_t first_ndx = column->ndx;
+    const uint8_t *place = *at;
+    uint32_t count = 0;
+    for (; count < most && column->ndx == first_ndx + count; ++count, ++column, ++status) {
+        const uint8_t *next = column_stream::take_value(place, limit, *column, data + column->ptr);
+        if (next == nullptr) {
+            break;
         }
+        place = next;
+        *status = vsOKAY;
+        if (column->has_value_off != 0) {
+            data[column->has_value_off] = kHasValue;
+        }
+    }
+    *at = place;
+    return count;
+}
+
+// A row in buffer form coming out of the decoder, whose memory is there and zero.
+// One reader stays open over all of the stream, and is closed for what only the
+// decoder or a type can read.
+//
+// A stream names its columns in ascending order; a damaged one may come back to an
+// earlier column, whose value it then replaces.
+class RowUnpacker {
+  public:
+    RowUnpacker(OAK_ROW *row, B_DECODER decoder)
+        : row_(row), decoder_(decoder), reader_(decoder), columns_(row->ti->row_columns),
+          num_columns_(row->ti->num_row_columns) {}
+
+    OAK_RETCODE run() {
+        OAK_RETCODE status = records(&RowUnpacker::avl);
         if (status == sOKAY) {
-            status = unpack_group(row, size, decoder);
+            status = records(&RowUnpacker::join);
         }
-        if (status != sOKAY) {
-            return status;
+        if (status == sOKAY && num_columns_ != 0) {
+            status = columns();
         }
-    }
-}
-
-// Whatever the stream held: a foreign key column's value is reached through the
-// join, and a rowid column holds the row's own number.
-void restore_unstored(OAK_ROW *row) {
-    for (OAK_COL_INDEX position = 0; position < row->ti->num_cols; ++position) {
-        const SCH_COL_INFO_C ci = live_column(row->ti, position);
-        if (ci == nullptr) {
-            continue;
-        }
-        if (schema_view::is_foreign_key(ci)) {
-            row->data.b.col_status[position] = vsNOVAL;
-        } else if (schema_view::is_rowid(ci)) {
-            row_set_rowid_column(row->data.b.col_data + ci->ptr, row->rowid);
-            row->data.b.col_status[position] = vsOKAY;
-            OAK_HAS_VALUE_T *has_value = has_value_byte(row, ci);
-            if (has_value != nullptr) {
-                *has_value = kHasValue;
-            }
-        }
-    }
-}
-
-OAK_RETCODE unpack_stream(OAK_ROW *row, B_DECODER decoder) {
-    OAK_RETCODE status = b_decoderSeek(decoder, 0);
-    if (status == sOKAY) {
-        status = unpack_counted(row, decoder, unpack_avl);
-    }
-    if (status == sOKAY) {
-        status = unpack_counted(row, decoder, unpack_join);
-    }
-    if (status != sOKAY || row->ti->num_cols == 0) {
+        reader_.settle();
         return status;
     }
-    presume_nulls(row);
-    status = unpack_columns(row, decoder);
-    if (status == sOKAY) {
-        restore_unstored(row);
+
+  private:
+    static constexpr uint32_t kNowhere = UINT32_MAX;
+
+    // A number that is read on the spot, or by the decoder's own function.
+    template <class Number>
+    OAK_RETCODE number(Number *out, OAK_RETCODE (*decode)(B_DECODER, Number *)) {
+        const uint8_t *next = column_stream::take(reader_.at, reader_.end, out);
+        if (next != nullptr) [[likely]] {
+            reader_.at = next;
+            return sOKAY;
+        }
+        reader_.settle();
+        const OAK_RETCODE status = decode(decoder_, out);
+        reader_.begin();
+        return status;
     }
-    return status;
+    OAK_RETCODE number(uint16_t *out) { return number(out, b_decoderDecodeUint16); }
+    OAK_RETCODE number(uint64_t *out) { return number(out, b_decoderDecodeSlot); }
+
+    // A count, and so many records.
+    OAK_RETCODE records(OAK_RETCODE (RowUnpacker::*record)()) {
+        uint16_t left = 0;
+        OAK_RETCODE status = number(&left);
+        for (; status == sOKAY && left > 0; --left) {
+            status = (this->*record)();
+        }
+        return status;
+    }
+
+    OAK_RETCODE avl() {
+        OAK_KEY_INDEX key = 0;
+        OAK_AVL links{};
+        OAK_RETCODE status = number(&key);
+        if (status == sOKAY) {
+            status = number(&links.left);
+        }
+        if (status == sOKAY) {
+            status = number(&links.right);
+        }
+        if (status == sOKAY) {
+            status = number(&links.flags);
+        }
+        OAK_AVL *record = status == sOKAY ? avl_record(row_, key) : nullptr;
+        if (record != nullptr) {
+            record->flags = links.flags; // field by field: the padding stays zero
+            record->left = links.left;
+            record->right = links.right;
+        }
+        return status;
+    }
+
+    // The join of a reference that the table no longer has is thrown away.
+    OAK_RETCODE join() {
+        OAK_REF_INDEX ndx = 0;
+        OAK_SLOT owner = 0;
+        OAK_RETCODE status = number(&ndx);
+        if (status == sOKAY) {
+            status = number(&owner);
+        }
+        if (status == sOKAY && ndx < row_->ti->num_refs &&
+            sch_get_ref_by_index(row_->ti, ndx) != nullptr) {
+            row_->joins[ndx].owner = owner;
+        }
+        return status;
+    }
+
+    OAK_RETCODE columns() {
+        uint16_t size = 0;
+        OAK_RETCODE status = number(&size);
+        while (status == sOKAY && size != 0) {
+            status = group(size);
+            if (status == sOKAY) {
+                status = number(&size);
+            }
+        }
+        pass_over(num_columns_);
+        return status;
+    }
+
+    OAK_RETCODE group(uint16_t size) {
+        uint16_t first = 0;
+        OAK_RETCODE status = number(&first);
+        const uint32_t end = uint32_t{first} + size;
+        for (uint32_t ndx = first; status == sOKAY && ndx < end; ++ndx) {
+            const uint32_t position = seek(ndx);
+            if (position != kNowhere) {
+                const uint32_t most = std::min(end - ndx, num_columns_ - position);
+                const uint32_t read = take_columns(row_, position, most, &reader_.at, reader_.end);
+                passed_ = std::max(passed_, position + read);
+                ndx += read;
+            }
+            if (ndx < end) {
+                reader_.settle();
+                status = column_by_type(ndx);
+                reader_.begin();
+            }
+        }
+        return status;
+    }
+
+    // A column that is not there, or whose value only its type can read.
+    OAK_RETCODE column_by_type(uint32_t ndx) {
+        const uint32_t position = seek(ndx);
+        if (position == kNowhere) {
+            return dropped_column(ndx);
+        }
+        passed_ = std::max(passed_, position + 1);
+        return columns_[position].form == StreamForm::large_object ? large_object(position)
+                                                                   : by_type(position);
+    }
+
+    // The live position of a column, with all before it passed over; nowhere for one
+    // that rows do not have.
+    uint32_t seek(uint32_t ndx) {
+        uint32_t position = ndx;
+        if (ndx >= num_columns_ || columns_[ndx].ndx != ndx) [[unlikely]] {
+            position = ndx < OAK_INDEX_NONE
+                           ? sch_find_col_active_ndx(row_->ti, static_cast<OAK_COL_INDEX>(ndx))
+                           : OAK_INDEX_NONE;
+        }
+        if (position >= num_columns_ || columns_[position].form == StreamForm::absent) {
+            return kNowhere;
+        }
+        pass_over(position);
+        return position;
+    }
+
+    OAK_RETCODE dropped_column(uint32_t ndx) {
+        const SCH_COL_INFO_C ci = schema_view::column_at(row_->ti, ndx);
+        return ci != nullptr ? skip_value(row_, ci, decoder_)
+                             : OAK_DAMAGED(eDBCORRUPTED); // a column that the table does not have
+    }
+
+    OAK_RETCODE large_object(uint32_t position) {
+        const OAK_RETCODE status = skip_large_object_mark(decoder_);
+        if (status == sOKAY) {
+            set_present(position, vsNOVAL);
+        }
+        return status;
+    }
+
+    // A value that its type's own operations read.
+    OAK_RETCODE by_type(uint32_t position) {
+        const SCH_ROW_COLUMN &column = columns_[position];
+        const SCH_TYPE_INFO_C type = schema_view::type_of(column.ci);
+        OAK_HAS_VALUE_T *has_value =
+            column.has_value_off != 0 ? row_->data.b.col_data + column.has_value_off : nullptr;
+        const OAK_RETCODE status = type->type_info->unpack_to_buff_fcn(
+            type, row_->data.b.col_data + column.ptr, has_value, decoder_);
+        if (status == sOKAY) {
+            row_->data.b.col_status[position] =
+                has_value == nullptr || *has_value == kHasValue ? vsOKAY : vsNULL;
+            restore_unstored(position);
+        }
+        return status;
+    }
+
+    // Columns that the stream passes over are NULL where they can be.
+    void pass_over(uint32_t limit) {
+        for (; passed_ < limit; ++passed_) {
+            if (columns_[passed_].has_value_off != 0) {
+                row_->data.b.col_status[passed_] = vsNULL;
+            }
+            restore_unstored(passed_);
+        }
+    }
+
+    // A foreign key column's value is reached through the join, and a rowid column
+    // holds the row's own number, whatever the stream held.
+    void restore_unstored(uint32_t position) {
+        const SCH_ROW_COLUMN &column = columns_[position];
+        if (column.form == StreamForm::foreign_key) {
+            row_->data.b.col_status[position] = vsNOVAL;
+        } else if (column.form == StreamForm::rowid) {
+            row_set_rowid_column(row_->data.b.col_data + column.ptr, row_->rowid);
+            set_present(position, vsOKAY);
+        }
+    }
+
+    void set_present(uint32_t position, VAL_STATUS status) {
+        row_->data.b.col_status[position] = status;
+        const OAK_HAS_VALUE_OFFSET has_value_off = columns_[position].has_value_off;
+        if (has_value_off != 0) {
+            row_->data.b.col_data[has_value_off] = kHasValue;
+        }
+    }
+
+    OAK_ROW *row_;
+    B_DECODER decoder_;
+    StreamReader reader_;
+    const SCH_ROW_COLUMN *columns_;
+    uint32_t num_columns_;
+    uint32_t passed_ = 0; // positions below it were read or passed over
+};
+
+OAK_RETCODE unpack_stream(OAK_ROW *row, B_DECODER decoder) {
+    const OAK_RETCODE status = b_decoderSeek(decoder, 0);
+    return status == sOKAY ? RowUnpacker(row, decoder).run() : status;
 }
 
 // Keeps the stream as it is.
@@ -368,22 +585,13 @@ OAK_RETCODE unpack_compact_form(OAK_ROW *row, B_DECODER decoder) {
 
 bool calc_storable_buffer(SCH_COL_INFO_C ci, const OAK_ROW *row) {
     const OAK_COL_INDEX position = schema_view::live_position(row->ti, ci);
-    return position != OAK_INDEX_NONE && is_storable(ci, position, row);
+    return position < row->ti->num_row_columns && RowColumns(row).is_storable(position);
 }
 
 OAK_RETCODE row_pack_compact_column_group_buffer(OAK_COL_INDEX grp_first, OAK_COL_INDEX grp_size,
                                                  const OAK_ROW *row, B_ENCODER encoder) {
-    OAK_RETCODE status = encoderEncodeUintmax(encoder, grp_size);
-    if (status == sOKAY) {
-        status = encoderEncodeUintmax(encoder, grp_first);
-    }
-    for (uint32_t i = 0; status == sOKAY && i < grp_size; ++i) {
-        const SCH_COL_INFO_C ci = row->ti->cols[grp_first + i];
-        status = schema_view::is_large_object(ci)
-                     ? encoderEncodeUintmax(encoder, kLargeObjectMark)
-                     : sch_col_pack_buffer_fcn(ci, row->data.b.col_data + ci->ptr, encoder);
-    }
-    return status;
+    const OAK_COL_INDEX position = sch_find_col_active_ndx(row->ti, grp_first);
+    return RowPacker(row, encoder).run_group(position, grp_size);
 }
 
 // ---- Exported ---------------------------------------------------------------
@@ -394,7 +602,7 @@ OAK_RETCODE row_pack_compact(const OAK_ROW *row, B_ENCODER encoder) {
     }
     switch (row->format) {
         case OAK_ROW_FORMAT_BUFFER:
-            return pack_buffer_form(row, encoder);
+            return RowPacker(row, encoder).run();
         case OAK_ROW_FORMAT_COMPACT:
             return pack_compact_form(row, encoder);
         default:

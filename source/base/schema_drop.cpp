@@ -144,6 +144,7 @@ void leave_columns(SCH_REF_INFO ri) {
             ci->ref = nullptr;
         }
     }
+    refresh_row_columns(ri->table);
 }
 
 /// The reference leaves its sort columns. The sort bit of the usage is cleared on
@@ -258,6 +259,7 @@ void free_table(SCH_TBL_INFO ti) {
     release(&ti->check_name, tag);
     OSL_FREE(ti->cols, tag);
     OSL_FREE(ti->active_ndx, tag);
+    OSL_FREE(ti->row_columns, tag);
     OSL_FREE(ti->keys, tag);
     OSL_FREE(ti->refs, tag);
     OSL_FREE(ti->avls, tag);
@@ -350,6 +352,7 @@ OAK_RETCODE sch_tbl_col_drop(SCH_COL_INFO ci) {
     drop_drawer_of(ci->table, ci->drawer);
     leave_domain(ci);
     lower(&ci->table->num_cols);
+    refresh_row_columns(ci->table);
     discard_caches(ci->table->sch);
     return sOKAY;
 }

@@ -127,6 +127,45 @@ struct _SCH_DRAWER_INFO {
 
 // ---- A table -----------------------------------------------------------------
 
+/// What becomes of a column in the compact stream of a row.
+enum class StreamForm : uint8_t {
+    // Scalars of these forms the item formats handle in place.
+    int8,
+    uint8,
+    int16,
+    uint16,
+    int32, // booleans too, which take four bytes in a record buffer
+    uint32,
+    int64,
+    uint64,
+    float32,
+    float64,
+    timetz,
+    timestamp,
+    timestamptz,
+    decimal,
+    uuid,
+    text,
+    by_type,      // as the type's own operations write it
+    large_object, // a mark in its place; all above are stored, all below never
+    rowid,        // the row's own number
+    foreign_key,  // reached through the join
+    absent,       // no such column, or a dropped one
+};
+
+/// A column as rows see it, for each of them passes over every one.
+struct SCH_ROW_COLUMN {
+    SCH_COL_INFO_C ci;
+    uint32_t ptr;
+    OAK_HAS_VALUE_OFFSET has_value_off;
+    OAK_COL_INDEX ndx;
+    uint16_t byte_len;
+    StreamForm form;
+    uint8_t prec; // of a decimal
+    uint8_t scale;
+};
+static_assert(sizeof(SCH_ROW_COLUMN) == 24);
+
 struct _SCH_TBL_INFO {
     OAK_TBL_INDEX ndx;
     SCH_INFO sch; // null in the system table
@@ -163,9 +202,11 @@ struct _SCH_TBL_INFO {
     OAK_HAS_VALUE_OFFSET has_value_off; // where the has-value bytes begin
     uint32_t byte_len;                  // column data of a row
     OAK_ROW_BUFFER_INFO bufferInfo;
-    OAK_TBL_INDEX nameNdx;  // position in `tablesByName`
-    OAK_TBL_INDEX offset;   // position among live tables, from 1
-    SCH_TRIG_INFO triggers; // ascending by creation time
+    SCH_ROW_COLUMN *row_columns;   // by live position: what rows need of each column
+    OAK_COL_INDEX num_row_columns; // `num_cols` of the last finalization
+    OAK_TBL_INDEX nameNdx;         // position in `tablesByName`
+    OAK_TBL_INDEX offset;          // position among live tables, from 1
+    SCH_TRIG_INFO triggers;        // ascending by creation time
 };
 
 struct _SCH_COL_INFO {
@@ -516,6 +557,93 @@ struct Layout {
 /// The alignment of a column's values; its type must be known.
 inline ALIGN_TYPE alignment_of(SCH_COL_INFO_C ci) {
     return effective_type(ci)->type_info->ext_align;
+}
+
+// ---- Columns as rows see them ---------------------------------------------------
+
+constexpr StreamForm stream_form(const _SCH_TYPE_INFO &type) {
+    if (is_large_object(type.type)) {
+        return StreamForm::large_object;
+    }
+    if (type.elems != 0) {
+        return StreamForm::by_type;
+    }
+    switch (type.type) {
+        case OAK_INT8:
+            return StreamForm::int8;
+        case OAK_UINT8:
+            return StreamForm::uint8;
+        case OAK_INT16:
+            return StreamForm::int16;
+        case OAK_UINT16:
+            return StreamForm::uint16;
+        case OAK_BOOL:
+        case OAK_INT32:
+            return StreamForm::int32;
+        case OAK_UINT32:
+        case OAK_DATE:
+        case OAK_TIME:
+            return StreamForm::uint32;
+        case OAK_INT64:
+            return StreamForm::int64;
+        case OAK_UINT64:
+            return StreamForm::uint64;
+        case OAK_FLOAT:
+            return StreamForm::float32;
+        case OAK_DOUBLE:
+            return StreamForm::float64;
+        case OAK_TIMETZ:
+            return StreamForm::timetz;
+        case OAK_TIMESTAMP:
+            return StreamForm::timestamp;
+        case OAK_TIMESTAMPTZ:
+            return StreamForm::timestamptz;
+        case OAK_BCD:
+            return StreamForm::decimal;
+        case OAK_UUID:
+            return StreamForm::uuid;
+        case OAK_ROWID:
+            return StreamForm::rowid;
+        case OAK_CHAR:
+        case OAK_VARCHAR:
+        case OAK_WCHAR:
+        case OAK_WCHAR_UTF8:
+        case OAK_WVARCHAR:
+        case OAK_WVARCHAR_UTF8:
+            return StreamForm::text;
+        default:
+            return StreamForm::by_type;
+    }
+}
+
+/// What rows need of a column; nothing for none and for a dropped one.
+constexpr SCH_ROW_COLUMN row_column(SCH_COL_INFO_C ci) {
+    SCH_ROW_COLUMN column{};
+    if (ci == nullptr || ci->name == nullptr) {
+        column.form = StreamForm::absent;
+        return column;
+    }
+    const _SCH_TYPE_INFO &type = ci->domain != nullptr ? ci->domain->type : ci->type;
+    column.ci = ci;
+    column.ptr = ci->ptr;
+    column.has_value_off = ci->has_value_off;
+    column.ndx = ci->ndx;
+    column.byte_len = type.byte_len;
+    column.form = ci->ref != nullptr ? StreamForm::foreign_key : stream_form(type);
+    if (column.form == StreamForm::decimal) {
+        column.prec = type.x.d.prec;
+        column.scale = type.x.d.scale;
+    }
+    return column;
+}
+
+/// Brings the list up to what the columns now are: after finalization, and after
+/// whatever drops a column or makes or ends a foreign key column.
+inline void refresh_row_columns(SCH_TBL_INFO ti) {
+    for (OAK_COL_INDEX position = 0; position < ti->num_row_columns; ++position) {
+        const OAK_COL_INDEX ndx = ti->active_ndx != nullptr ? ti->active_ndx[position] : position;
+        ti->row_columns[position] = row_column(entry(ti->cols, column_limit(ti), ndx));
+    }
 }
 
 // ---- Drawers -----------------------------------------------------------------

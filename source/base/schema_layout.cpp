@@ -380,6 +380,18 @@ OAK_RETCODE index_active_columns(SCH_TBL_INFO ti) {
     return rc == sOKAY ? fill_active_index(ti) : rc;
 }
 
+OAK_RETCODE list_row_columns(SCH_TBL_INFO ti) {
+    SCH_ROW_COLUMN *columns = nullptr;
+    const OAK_RETCODE rc = get_records(ti->num_cols, tag_of(ti), &columns);
+    if (rc == sOKAY) {
+        release(&ti->row_columns, tag_of(ti));
+        ti->row_columns = columns;
+        ti->num_row_columns = ti->num_cols;
+        refresh_row_columns(ti);
+    }
+    return rc;
+}
+
 // ---- Names -------------------------------------------------------------------
 
 const char *text_or_empty(const char *text) {
@@ -447,9 +459,9 @@ OAK_RETCODE sch_col_finalize(SCH_COL_INFO ci) {
 }
 
 OAK_RETCODE sch_tbl_finalize(SCH_TBL_INFO ti, OAK_BOOL_T) {
-    constexpr OAK_RETCODE (*kPasses[])(SCH_TBL_INFO) = {layout_columns, finalize_keys,
+    constexpr OAK_RETCODE (*kPasses[])(SCH_TBL_INFO) = {layout_columns,        finalize_keys,
                                                         finalize_sort_columns, collect_drawers,
-                                                        index_active_columns};
+                                                        index_active_columns,  list_row_columns};
     OAK_RETCODE rc = changeable(ti);
     if (rc == sOKAY) {
         rc = check_limits(ti);

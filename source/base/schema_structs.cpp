@@ -723,6 +723,7 @@ OAK_RETCODE sch_col_set_ref(SCH_COL_INFO ci, OAK_REF_INDEX id) {
         return eBADCAT;
     }
     ci->ref = ri;
+    refresh_row_columns(ci->table);
     return sOKAY;
 }
 

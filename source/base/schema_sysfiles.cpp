@@ -11,6 +11,8 @@
 
 #include "schema.h"
 
+using oak::schema::row_column;
+
 namespace {
 
 constexpr _SCH_TYPE_INFO type_of(OAK_TYPE type, uint16_t byte_len, const OAK_TYPE_INFO *type_info) {
@@ -130,6 +132,8 @@ constexpr _SCH_TBL_INFO table() {
     info.has_value_off = 64520;
     info.byte_len = 64528;
     info.bufferInfo = row_buffer();
+    info.row_columns = const_cast<SCH_ROW_COLUMN *>(_SysFilesRowColumns);
+    info.num_row_columns = 5;
     return info;
 }
 
@@ -137,14 +141,18 @@ constexpr _SCH_TBL_INFO table() {
 
 constinit const _SCH_TBL_INFO _SysFilesTable = table();
 
-constinit const _SCH_COL_INFO _SysFilesColName = name_column();
-constinit const _SCH_COL_INFO _SysFilesColData =
+constexpr _SCH_COL_INFO _SysFilesColName = name_column();
+constexpr _SCH_COL_INFO _SysFilesColData =
     column(1, "data", type_of(OAK_CHAR, 63480, &utf8_type_info), OAK_FALSE, 1024, 64520);
-constinit const _SCH_COL_INFO _SysFilesColLen =
+constexpr _SCH_COL_INFO _SysFilesColLen =
     column(2, "data_len", type_of(OAK_UINT64, 8, &uint64_type_info), OAK_TRUE, 64504, 0);
-constinit const _SCH_COL_INFO _SysFilesColVersion =
+constexpr _SCH_COL_INFO _SysFilesColVersion =
     column(3, "version", type_of(OAK_UINT64, 8, &uint64_type_info), OAK_TRUE, 64512, 0);
-constinit const _SCH_COL_INFO _SysFilesColBlob = blob_column();
+constexpr _SCH_COL_INFO _SysFilesColBlob = blob_column();
+
+constinit const SCH_ROW_COLUMN _SysFilesRowColumns[5] = {
+    row_column(&_SysFilesColName), row_column(&_SysFilesColData), row_column(&_SysFilesColLen),
+    row_column(&_SysFilesColVersion), row_column(&_SysFilesColBlob)};
 
 constinit const _SCH_DRAWER_INFO _SysFilesDrawer0 = table_drawer();
 constinit const _SCH_DRAWER_INFO _SysFilesDrawer1 = key_drawer();

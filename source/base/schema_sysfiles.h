@@ -22,6 +22,7 @@ extern const _SCH_KEY_INFO _SysFilesNameKey;
 extern const _SCH_ELEM_INFO _SysFilesNameKeyElem0;
 
 extern const SCH_COL_INFO _SysFilesCols[5];
+extern const SCH_ROW_COLUMN _SysFilesRowColumns[5];
 extern const SCH_DRAWER_INFO _SysFilesDrawers[3];
 extern const SCH_KEY_INFO _SysFilesKeys[1];
 extern const SCH_KEY_INFO _SysFilesColNameKeys[1];

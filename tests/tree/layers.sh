@@ -28,7 +28,7 @@ function layer(file,    stem) {
     if (stem ~ /^(schema|schema_.*)$/) return 8
     if (stem ~ /^oakcmdline$/) return 8
     # Item formats.
-    if (stem ~ /^(row|row_.*|dbobjapi)$/) return 9
+    if (stem ~ /^(row|row_.*|column_stream_internal|dbobjapi)$/) return 9
     return -1
 }
 /^#include "/ {
