@@ -764,6 +764,28 @@ TEST(CompactRow, PassesOverColumnsThatAreCountedAndNotThere) {
     }
 }
 
+TEST(CompactRow, FollowsForeignKeysAndDropsWithoutAnotherFinalization) {
+    const oaktest::Catalog catalog(linked_tables());
+    const SCH_TBL_INFO ti = catalog.table("t");
+    RowBench row(ti);
+    row.set<int32_t>(0, 1);
+    row.set<int32_t>(1, 2);
+    const std::string links = "02 00000000 01000000 00";
+    const auto stream = [&links](const char *columns) {
+        const Bytes bytes = oaktest::unhex(links + columns);
+        return oaktest::hex(bytes.data(), bytes.size());
+    };
+    EXPECT_EQ(row.compact(), stream("010002 00"));
+    ASSERT_EQ(sch_col_set_ref(sch_get_col_by_index(ti, 0), 0), sOKAY); // both are foreign keys
+    EXPECT_EQ(row.compact(), stream("00"));
+    ASSERT_EQ(sch_ref_drop(ti, 0), sOKAY); // neither is
+    EXPECT_EQ(row.compact(), stream("02000204 00"));
+    ASSERT_EQ(sch_tbl_col_drop(sch_get_col_by_index(ti, 1)), sOKAY);
+    EXPECT_EQ(row.compact(), stream("010002 00"));
+    ASSERT_EQ(row.unpack_compact(stream("02000204 00")), sOKAY); // the second is thrown away
+    EXPECT_EQ(row.get<int32_t>(0), 1);
+}
+
 TEST(CompactRow, RefusesAValueOfAColumnThatNeverHadAType) {
     std::string text = one_table(R"({"colid": 0, "domid": "0"},)" + int32_column(1), 2);
     const std::string tables = R"("tables")";
