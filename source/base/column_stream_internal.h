@@ -212,88 +212,106 @@ COLUMN_STREAM_INLINE const uint8_t *take_text(const uint8_t *at, const uint8_t *
 
 // ---- Any value --------------------------------------------------------------
 
+/// Where a value goes out to, and where it comes from.
+struct Put {
+    uint8_t *at;
+    const uint8_t *limit;
+    const SCH_ROW_COLUMN &column;
+    const uint8_t *place; // of the value in a record buffer
+
+    template <class Number>
+    COLUMN_STREAM_INLINE uint8_t *number() const {
+        return put_number<Number>(at, limit, place);
+    }
+    template <class Bits>
+    COLUMN_STREAM_INLINE uint8_t *bits() const {
+        return put_bits<Bits>(at, limit, place);
+    }
+    template <class Record>
+    COLUMN_STREAM_INLINE uint8_t *record() const {
+        return put_record<Record>(at, limit, place);
+    }
+    COLUMN_STREAM_INLINE uint8_t *decimal() const { return put_decimal(at, limit, column, place); }
+    COLUMN_STREAM_INLINE uint8_t *text() const { return put_text(at, limit, column, place); }
+};
+
+struct Take {
+    const uint8_t *at;
+    const uint8_t *limit;
+    const SCH_ROW_COLUMN &column;
+    uint8_t *place;
+
+    template <class Number>
+    COLUMN_STREAM_INLINE const uint8_t *number() const {
+        return take_number<Number>(at, limit, place);
+    }
+    template <class Bits>
+    COLUMN_STREAM_INLINE const uint8_t *bits() const {
+        return take_bits<Bits>(at, limit, place);
+    }
+    template <class Record>
+    COLUMN_STREAM_INLINE const uint8_t *record() const {
+        return take_record<Record>(at, limit, place);
+    }
+    COLUMN_STREAM_INLINE const uint8_t *decimal() const {
+        return take_decimal(at, limit, column, place);
+    }
+    COLUMN_STREAM_INLINE const uint8_t *text() const { return take_text(at, limit, column, place); }
+};
+
+/// Moves a value by its column's form, either way.
+template <class Way>
+COLUMN_STREAM_INLINE auto move_value(const Way &way) -> decltype(way.at) {
+    switch (way.column.form) {
+        case StreamForm::int8:
+            return way.template number<int8_t>();
+        case StreamForm::uint8:
+            return way.template number<uint8_t>();
+        case StreamForm::int16:
+            return way.template number<int16_t>();
+        case StreamForm::uint16:
+            return way.template number<uint16_t>();
+        case StreamForm::int32:
+            return way.template number<int32_t>();
+        case StreamForm::uint32:
+            return way.template number<uint32_t>();
+        case StreamForm::int64:
+            return way.template number<int64_t>();
+        case StreamForm::uint64:
+            return way.template number<uint64_t>();
+        case StreamForm::float32:
+            return way.template bits<uint32_t>();
+        case StreamForm::float64:
+            return way.template bits<uint64_t>();
+        case StreamForm::timetz:
+            return way.template record<OAK_PACKED_TIMETZ_T>();
+        case StreamForm::timestamp:
+            return way.template record<OAK_PACKED_TIMESTAMP_T>();
+        case StreamForm::timestamptz:
+            return way.template record<OAK_PACKED_TIMESTAMPTZ_T>();
+        case StreamForm::decimal:
+            return way.decimal();
+        case StreamForm::uuid:
+            return way.template bits<OAK_UUID_T>();
+        case StreamForm::text:
+            return way.text();
+        default:
+            return nullptr;
+    }
+}
+
 /// Writes the value at `place` in a record buffer. Null, with nothing written that
 /// counts, when the type's own operations must.
 COLUMN_STREAM_INLINE uint8_t *put_value(uint8_t *at, const uint8_t *limit,
                                         const SCH_ROW_COLUMN &column, const uint8_t *place) {
-    switch (column.form) {
-        case StreamForm::int8:
-            return put_number<int8_t>(at, limit, place);
-        case StreamForm::uint8:
-            return put_number<uint8_t>(at, limit, place);
-        case StreamForm::int16:
-            return put_number<int16_t>(at, limit, place);
-        case StreamForm::uint16:
-            return put_number<uint16_t>(at, limit, place);
-        case StreamForm::int32:
-            return put_number<int32_t>(at, limit, place);
-        case StreamForm::uint32:
-            return put_number<uint32_t>(at, limit, place);
-        case StreamForm::int64:
-            return put_number<int64_t>(at, limit, place);
-        case StreamForm::uint64:
-            return put_number<uint64_t>(at, limit, place);
-        case StreamForm::float32:
-            return put_bits<uint32_t>(at, limit, place);
-        case StreamForm::float64:
-            return put_bits<uint64_t>(at, limit, place);
-        case StreamForm::timetz:
-            return put_record<OAK_PACKED_TIMETZ_T>(at, limit, place);
-        case StreamForm::timestamp:
-            return put_record<OAK_PACKED_TIMESTAMP_T>(at, limit, place);
-        case StreamForm::timestamptz:
-            return put_record<OAK_PACKED_TIMESTAMPTZ_T>(at, limit, place);
-        case StreamForm::decimal:
-            return put_decimal(at, limit, column, place);
-        case StreamForm::uuid:
-            return put_bits<OAK_UUID_T>(at, limit, place);
-        case StreamForm::text:
-            return put_text(at, limit, column, place);
-        default:
-            return nullptr;
-    }
+    return move_value(Put{at, limit, column, place});
 }
 
 /// Reads a value to `place` in a record buffer. Null when the type's own operations
 /// must; what lies at `place` then does not count.
 COLUMN_STREAM_INLINE const uint8_t *take_value(const uint8_t *at, const uint8_t *limit,
                                                const SCH_ROW_COLUMN &column, uint8_t *place) {
-    switch (column.form) {
-        case StreamForm::int8:
-            return take_number<int8_t>(at, limit, place);
-        case StreamForm::uint8:
-            return take_number<uint8_t>(at, limit, place);
-        case StreamForm::int16:
-            return take_number<int16_t>(at, limit, place);
-        case StreamForm::uint16:
-            return take_number<uint16_t>(at, limit, place);
-        case StreamForm::int32:
-            return take_number<int32_t>(at, limit, place);
-        case StreamForm::uint32:
-            return take_number<uint32_t>(at, limit, place);
-        case StreamForm::int64:
-            return take_number<int64_t>(at, limit, place);
-        case StreamForm::uint64:
-            return take_number<uint64_t>(at, limit, place);
-        case StreamForm::float32:
-            return take_bits<uint32_t>(at, limit, place);
-        case StreamForm::float64:
-            return take_bits<uint64_t>(at, limit, place);
-        case StreamForm::timetz:
-            return take_record<OAK_PACKED_TIMETZ_T>(at, limit, place);
-        case StreamForm::timestamp:
-            return take_record<OAK_PACKED_TIMESTAMP_T>(at, limit, place);
-        case StreamForm::timestamptz:
-            return take_record<OAK_PACKED_TIMESTAMPTZ_T>(at, limit, place);
-        case StreamForm::decimal:
-            return take_decimal(at, limit, column, place);
-        case StreamForm::uuid:
-            return take_bits<OAK_UUID_T>(at, limit, place);
-        case StreamForm::text:
-            return take_text(at, limit, column, place);
-        default:
-            return nullptr;
-    }
+    return move_value(Take{at, limit, column, place});
 }
 
 } // namespace column_stream
