@@ -83,12 +83,23 @@ struct _LZMA {
 
 namespace {
 
+// Sets all models to the start. For a small object this is a good part of the
+// work, so each copy is of all that stands already and as fast as memory is.
+void reset_probs(LZMA_PROBS &all) {
+    constexpr size_t kCount = sizeof all / sizeof(RANGE_PROB);
+    constexpr size_t kFirst = 64;
+    auto *probs = reinterpret_cast<RANGE_PROB *>(&all);
+    std::fill_n(probs, kFirst, range_coder::kProbStart);
+    for (size_t done = kFirst; done < kCount; done *= 2) {
+        std::memcpy(probs + done, probs, std::min(done, kCount - done) * sizeof(RANGE_PROB));
+    }
+}
+
 // Both directions start every object from the same state.
 void reset(LZMA lzma) {
     lzma->state = 0;
     std::memset(lzma->reps, 0, sizeof lzma->reps);
-    auto *probs = reinterpret_cast<RANGE_PROB *>(&lzma->probs);
-    std::fill_n(probs, sizeof lzma->probs / sizeof(RANGE_PROB), range_coder::kProbStart);
+    reset_probs(lzma->probs);
 }
 
 RANGE_CODER_INLINE RANGE_PROB *literal_models(LZMA_PROBS &probs, uint8_t previous) {
@@ -489,26 +500,37 @@ RANGE_CODER_INLINE uint32_t decode_distance(range_coder::DecoderState &coder, Ne
            range_coder::decode_tree_reverse(coder, next, probs.dist_align, kAlignBits);
 }
 
-// Which repeated distance a repeat packet names; `is_short` tells a short one.
+// Brings the repeated distance that a packet names to the front of `reps`. True
+// for a short repeat, which is always of the first.
 template <class Next>
-RANGE_CODER_INLINE uint32_t decode_rep_index(range_coder::DecoderState &coder, Next &&next,
-                                             LZMA_PROBS &probs, uint32_t state, uint32_t pos_state,
-                                             bool &is_short) {
-    if (range_coder::decode_bit(coder, next, probs.rep0[state]) == 0) {
-        is_short = range_coder::decode_bit(coder, next, probs.rep0_long[state][pos_state]) == 0;
-        return 0;
+RANGE_CODER_INLINE bool decode_rep(Decompressor &d, Next &&next, LZMA_PROBS &probs,
+                                   uint32_t pos_state) {
+    if (range_coder::decode_bit(d.coder, next, probs.rep0[d.state]) == 0) {
+        return range_coder::decode_bit(d.coder, next, probs.rep0_long[d.state][pos_state]) == 0;
     }
-    if (range_coder::decode_bit(coder, next, probs.rep1[state]) == 0) {
-        return 1;
+    if (range_coder::decode_bit(d.coder, next, probs.rep1[d.state]) == 0) {
+        rep_to_front(d.reps, 1);
+    } else if (range_coder::decode_bit(d.coder, next, probs.rep2[d.state]) == 0) {
+        rep_to_front(d.reps, 2);
+    } else {
+        rep_to_front(d.reps, 3);
     }
-    return 2 + range_coder::decode_bit(coder, next, probs.rep2[state]);
+    return false;
 }
 
 // Repeats `len` bytes from `distance` back; an overlapping copy repeats itself.
-RANGE_CODER_INLINE void copy_match(uint8_t *to, size_t distance, uint32_t len) {
+// With room behind them it goes in whole steps, the last of which may pass the
+// bytes' end: most matches are no longer than a step. No step reads what it
+// writes, as the distance is no shorter.
+RANGE_CODER_INLINE void copy_match(uint8_t *to, size_t distance, uint32_t len, size_t room) {
+    constexpr uint32_t kStep = 16;
     const uint8_t *from = to - distance;
-    if (distance >= len && len >= 16) {
-        std::memcpy(to, from, len);
+    if (distance >= kStep && room >= len + kStep) {
+        uint32_t done = 0;
+        do {
+            std::memcpy(to + done, from + done, kStep);
+            done += kStep;
+        } while (done < len);
         return;
     }
     for (uint32_t i = 0; i < len; ++i) {
@@ -539,9 +561,7 @@ RANGE_CODER_INLINE uint32_t decode_match(Decompressor &d, Next &&next, LZMA_PROB
         d.state = lzma_next_state_MATCH[d.state];
         return len;
     }
-    bool is_short = false;
-    rep_to_front(d.reps, decode_rep_index(d.coder, next, probs, d.state, pos_state, is_short));
-    if (is_short) {
+    if (decode_rep(d, next, probs, pos_state)) {
         d.state = lzma_next_state_SHORTREP[d.state];
         return 1;
     }
@@ -556,16 +576,22 @@ template <bool kChecksInput, class Next>
 RANGE_CODER_INLINE OAK_RETCODE decode_packets(LZMA lzma, Decompressor &d, Next &&next) {
     LZMA_PROBS &probs = lzma->probs;
     uint8_t *out = d.dst->data;
+    size_t room = d.dst->size;
+    const auto reserve = [&](size_t needed) {
+        const OAK_RETCODE status = reserve_output(d.dst, needed, d.result_size);
+        out = d.dst->data;
+        room = d.dst->size;
+        return status;
+    };
     while (d.at < d.result_size && (kChecksInput || d.in_end - d.in >= kMostPacketBytes)) {
         const uint32_t pos_state = static_cast<uint32_t>(d.at) & kPosMask;
         if (range_coder::decode_bit(d.coder, next, probs.is_match[d.state][pos_state]) == 0) {
             const uint8_t byte = decode_literal(d, next, probs, out);
-            if (d.at == d.dst->size) {
-                const OAK_RETCODE status = reserve_output(d.dst, d.at + 1, d.result_size);
+            if (d.at == room) {
+                const OAK_RETCODE status = reserve(d.at + 1);
                 if (status != sOKAY) {
                     return status;
                 }
-                out = d.dst->data;
             }
             out[d.at++] = byte;
             continue;
@@ -574,14 +600,13 @@ RANGE_CODER_INLINE OAK_RETCODE decode_packets(LZMA lzma, Decompressor &d, Next &
         if (d.reps[0] >= d.at) {
             return eDBCORRUPTED; // the distance leads before the first byte
         }
-        if (d.dst->size - d.at < len) {
-            const OAK_RETCODE status = reserve_output(d.dst, d.at + len, d.result_size);
+        if (room - d.at < len) {
+            const OAK_RETCODE status = reserve(d.at + len);
             if (status != sOKAY) {
                 return status;
             }
-            out = d.dst->data;
         }
-        copy_match(out + d.at, static_cast<size_t>(d.reps[0]) + 1, len);
+        copy_match(out + d.at, static_cast<size_t>(d.reps[0]) + 1, len, room - d.at);
         d.at += len;
     }
     return sOKAY;

@@ -202,19 +202,33 @@ RANGE_CODER_INLINE void normalize_if_due(DecoderState &state, Next &&next) {
     }
 }
 
-template <class Next>
-RANGE_CODER_INLINE uint32_t decode_bit(DecoderState &state, Next &&next, RANGE_PROB &prob) {
+// Decodes a bit and goes on with `on_zero` or `on_one`. A bit is told by the way
+// taken and not by a value, so that nothing waits for one: with the way foreseen,
+// a tree's next model is loaded while this bit is still being reckoned, and
+// decoding takes what the chain of ranges takes, a multiplication a bit.
+template <class Next, class OnZero, class OnOne>
+RANGE_CODER_INLINE void decode_branch(DecoderState &state, Next &&next, RANGE_PROB &prob,
+                                      OnZero &&on_zero, OnOne &&on_one) {
     normalize_if_due(state, next);
     const uint32_t bound = (state.range >> kModelBits) * prob;
     if (state.code < bound) {
         state.range = bound;
         saw_zero(prob);
-        return 0;
+        on_zero();
+    } else {
+        state.code -= bound;
+        state.range -= bound;
+        saw_one(prob);
+        on_one();
     }
-    state.code -= bound;
-    state.range -= bound;
-    saw_one(prob);
-    return 1;
+}
+
+template <class Next>
+RANGE_CODER_INLINE uint32_t decode_bit(DecoderState &state, Next &&next, RANGE_PROB &prob) {
+    uint32_t bit = 0;
+    decode_branch(
+        state, next, prob, [] {}, [&bit] { bit = 1; });
+    return bit;
 }
 
 template <class Next>
@@ -238,41 +252,56 @@ RANGE_CODER_INLINE uint32_t decode_fixed_bits(DecoderState &state, Next &&next, 
 template <class Next>
 RANGE_CODER_INLINE uint32_t decode_tree(DecoderState &state, Next &&next, RANGE_PROB *prob,
                                         uint32_t bits) {
-    uint32_t index = 1;
+    size_t index = 1;
 #pragma GCC unroll 8
     for (uint32_t i = 0; i < bits; ++i) {
-        index = index << 1 | decode_bit(state, next, prob[index - 1]);
+        decode_branch(
+            state, next, prob[index - 1], [&] { index = index * 2; },
+            [&] { index = index * 2 + 1; });
     }
-    return index & ((1u << bits) - 1);
+    return static_cast<uint32_t>(index) & ((1u << bits) - 1);
 }
 
 template <class Next>
 RANGE_CODER_INLINE uint32_t decode_tree_reverse(DecoderState &state, Next &&next, RANGE_PROB *prob,
                                                 uint32_t bits) {
-    uint32_t index = 1;
+    size_t index = 1;
     uint32_t data = 0;
+#pragma GCC unroll 4
     for (uint32_t i = 0; i < bits; ++i) {
-        const uint32_t bit = decode_bit(state, next, prob[index - 1]);
-        index = index << 1 | bit;
-        data |= bit << i;
+        decode_branch(
+            state, next, prob[index - 1], [&] { index = index * 2; },
+            [&] {
+                index = index * 2 + 1;
+                data |= 1u << i;
+            });
     }
     return data;
 }
 
+// `models` is 0x100 while the byte follows the match byte, then 0; the bit of the
+// match byte is brought to that place, so that it chooses the set of models.
 template <class Next>
 RANGE_CODER_INLINE uint32_t decode_matched(DecoderState &state, Next &&next, RANGE_PROB *prob,
                                            uint32_t match_byte) {
-    uint32_t index = 1;
-    bool matching = true;
-    for (uint32_t shift = 8; shift > 0;) {
-        --shift;
-        const uint32_t match_bit = (match_byte >> shift) & 1;
-        const uint32_t offset = matching ? (match_bit + 1) << 8 : 0;
-        const uint32_t bit = decode_bit(state, next, prob[offset + index - 1]);
-        matching = matching && bit == match_bit;
-        index = index << 1 | bit;
+    size_t index = 1;
+    size_t models = 0x100;
+#pragma GCC unroll 8
+    for (uint32_t i = 0; i < 8; ++i) {
+        match_byte <<= 1;
+        const size_t expected = match_byte & models;
+        decode_branch(
+            state, next, prob[models + expected + index - 1],
+            [&] {
+                index = index * 2;
+                models ^= expected;
+            },
+            [&] {
+                index = index * 2 + 1;
+                models = expected;
+            });
     }
-    return index & 0xff;
+    return static_cast<uint32_t>(index) & 0xff;
 }
 
 } // namespace range_coder
