@@ -60,13 +60,13 @@ bool has_text(const B_TOKEN &token) {
     return token.type == tokIDENTIFIER || token.type == tokSTRING;
 }
 
-// Frees whatever the token holds.
+// Frees whatever the token holds; most hold nothing.
 void release(OAK_JSON_OBJ_C json, B_TOKEN *token) {
     if (token->type == tokIDENTIFIER) {
         OSL_FREE(const_cast<char *>(token->v.id), json->tag);
     } else if (token->type == tokDECIMAL) {
         OSL_FREE(const_cast<OAK_BCD_T *>(token->v.bcd), json->tag);
-    } else {
+    } else if (token->type == tokSTRING || token->type == tokBINARY) {
         b_lexTokenFree(json->hLex, token);
     }
     token->type = tokEOS;

@@ -6,11 +6,13 @@
 // character that is put back takes both back again. The end of the text is the
 // character 0, which counts like any other and comes as often as it is asked for.
 //
-// Speed. Runs of like characters (words, digits, white space, the plain insides
-// of strings) are measured in the input's window and taken as a whole, so that
-// text in memory costs no call a character; only what ends a run goes through
-// get_input. The text of a token is gathered in `tokbuf`, which is kept from
-// token to token, and is copied once, when the token has a text to hand out.
+// Speed. Nearly every token of a catalog stands whole in the input's window and is
+// measured and taken there (scan_in_window). Of the others, runs of like characters
+// (words, digits, white space, the plain insides of strings) are taken from the
+// window as a whole, so that text in memory costs no call a character; only what
+// ends a run goes through get_input. The text of a token is gathered in `tokbuf`,
+// which is kept from token to token, and is copied once, when the token has a text
+// to hand out.
 //
 // Memory that runs out is noted in `outOfMemory` where it happens and turned into
 // an error token at the end of the token; nothing in between has to look.
@@ -65,7 +67,7 @@ constexpr Escape kEscapes[] = {
 };
 
 // Classes of characters, a bit each. They are ASCII's own and obey no locale.
-enum : uint8_t {
+enum : uint16_t {
     kSkipped = 0x01, // between tokens: white space and control characters, DEL among them
     kIndent = 0x02,  // the same without the newline
     kLetter = 0x04,  // starts an identifier
@@ -73,10 +75,11 @@ enum : uint8_t {
     kHexDigit = 0x10,
     kSqlWord = 0x20,   // goes on in an SQL identifier
     kOtherWord = 0x40, // goes on in an identifier of the other dialect
-    kPlain = 0x80      // inside a string: neither quote, backslash, newline nor end
+    kPlain = 0x80,     // inside a string: neither quote, backslash, newline nor end
+    kAlone = 0x100     // a token of its own whatever follows, which '.', '-' and '/' are not
 };
 
-constexpr uint8_t class_of(uint8_t ch) {
+constexpr uint16_t class_of(uint8_t ch) {
     const bool upper = ch >= 'A' && ch <= 'Z';
     const bool lower = ch >= 'a' && ch <= 'z';
     const bool digit = ch >= '0' && ch <= '9';
@@ -86,25 +89,28 @@ constexpr uint8_t class_of(uint8_t ch) {
     const bool sqlWord = letter || digit || ch == '$';
     const bool otherWord = sqlWord || ch == '.' || ch == '/' || ch == ':' || ch == '\\';
     const bool special = ch == 0 || ch == '\n' || ch == '\'' || ch == '"' || ch == '\\';
-    return static_cast<uint8_t>((skipped ? kSkipped : 0) | (skipped && ch != '\n' ? kIndent : 0) |
-                                (letter ? kLetter : 0) | (digit ? kDigit : 0) |
-                                (hex ? kHexDigit : 0) | (sqlWord ? kSqlWord : 0) |
-                                (otherWord ? kOtherWord : 0) | (special ? 0 : kPlain));
+    const bool quote = ch == '\'' || ch == '"';
+    const bool alone =
+        ch > ' ' && ch <= '~' && !letter && !digit && !quote && ch != '.' && ch != '-' && ch != '/';
+    return static_cast<uint16_t>(
+        (skipped ? kSkipped : 0) | (skipped && ch != '\n' ? kIndent : 0) | (letter ? kLetter : 0) |
+        (digit ? kDigit : 0) | (hex ? kHexDigit : 0) | (sqlWord ? kSqlWord : 0) |
+        (otherWord ? kOtherWord : 0) | (special ? 0 : kPlain) | (alone ? kAlone : 0));
 }
 
 constexpr auto kClasses = [] {
-    std::array<uint8_t, 256> classes{};
+    std::array<uint16_t, 256> classes{};
     for (size_t ch = 0; ch < classes.size(); ++ch) {
         classes[ch] = class_of(static_cast<uint8_t>(ch));
     }
     return classes;
 }();
 
-inline bool is(B_CHAR ch, uint8_t classes) {
+inline bool is(B_CHAR ch, uint16_t classes) {
     return (kClasses[static_cast<uint8_t>(ch)] & classes) != 0;
 }
 
-template <uint8_t classes>
+template <uint16_t classes>
 size_t run_length(const uint8_t *text, size_t size) {
     size_t length = 0;
     while (length < size && is(text[length], classes)) {
@@ -828,14 +834,134 @@ void refuse(B_TOKEN *token, const char *message) {
     token->v.str = message;
 }
 
-void scan_token(B_LEX lex, B_TOKEN *token) {
-    const B_CHAR ch = skip_to_token(lex);
-    token->pos = lex->charno - lex->linestart;
+// ---- Tokens in the window --------------------------------------------------
+//
+// Nearly all tokens of a catalog stand in the window as they are meant, with the
+// character behind them: single characters, strings without an escape, integers
+// without a leading zero. These are measured in place and taken as a whole. For
+// all others, and where every blank must be seen by a recording, the scanners
+// above do the work, with the same result wherever both can.
+
+// The token's first character is the `charno`th of the text.
+inline void begin_token(B_LEX lex, size_t charno, B_TOKEN *token) {
+    token->pos = charno - lex->linestart;
     token->line = lex->lineno;
     lex->tokpos = 0;
     lex->quote = 0;
     lex->outOfMemory = OAK_FALSE;
-    if (const char *message = getToken(ch, lex, token); message != nullptr) {
+}
+
+inline void advance(B_LEX lex, size_t count) {
+    input_advance(lex->input, count);
+    lex->charno += count;
+}
+
+// How much of the window lies between tokens; the lines in it are counted.
+size_t measure_space(B_LEX lex, INPUT_WINDOW window) {
+    size_t count = 0;
+    while (count < window.size && is(window.bytes[count], kSkipped)) {
+        count++;
+        if (window.bytes[count - 1] == '\n' && lex->lineno != 0) {
+            lex->lineno++;
+            lex->prevlinestart = lex->linestart;
+            lex->linestart = lex->charno + count;
+        }
+    }
+    return count;
+}
+
+// The length of the string that begins the text; 0 when it is not simple.
+size_t measure_string(B_LEX_C lex, const uint8_t *text, size_t size) {
+    const uint8_t quote = text[0];
+    const size_t count = 1 + run_length<kPlain>(text + 1, size - 1);
+    const bool closed = size - count > 1 && text[count] == quote && text[count + 1] != quote;
+    const bool string = quote == '\'' || lex->doubleQuoteAsIdentifier == OAK_FALSE;
+    return closed && string ? count + 1 : 0;
+}
+
+// The length of the integer that begins the text; 0 when it is not simple: it may
+// not fit, or be no integer by what follows, or lose a leading zero.
+size_t measure_integer(const uint8_t *text, size_t size) {
+    constexpr size_t kMostDigits = 18; // fit 64 bits for sure
+    const size_t count = run_length<kDigit>(text, size);
+    if (count == size || count > kMostDigits || (count > 1 && text[0] == '0')) {
+        return 0;
+    }
+    const B_CHAR behind = text[count] | 0x20u;
+    return behind == '.' || behind == 'e' || behind == 'x' ? 0 : count;
+}
+
+// Makes the token of `count` characters of text that were measured.
+const char *take_string(B_LEX lex, const uint8_t *text, size_t count, B_TOKEN *token) {
+    lex->quote = text[0];
+    put_bytes(lex, text + 1, count - 2);
+    char *copy = finish_text(lex) ? static_cast<char *>(OSL_GET(count - 1, lex->usertag)) : nullptr;
+    if (copy == nullptr) {
+        lex->outOfMemory = OAK_TRUE;
+        return kOutOfMemory;
+    }
+    std::memcpy(copy, text + 1, count - 2);
+    copy[count - 2] = 0;
+    token->type = tokSTRING;
+    token->v.str = copy;
+    return nullptr;
+}
+
+const char *take_integer(B_LEX lex, const uint8_t *text, size_t count, B_TOKEN *token) {
+    uint64_t value = 0;
+    for (size_t i = 0; i < count; ++i) {
+        value = value * 10 + (text[i] - '0');
+    }
+    put_bytes(lex, text, count);
+    if (!finish_text(lex)) {
+        return kOutOfMemory;
+    }
+    token->type = tokINTEGER;
+    token->v.iv = value;
+    return nullptr;
+}
+
+// Reads the next token, if it is simple, with its message or none. False when it
+// is not; what lies before it was skipped then.
+bool scan_in_window(B_LEX lex, B_TOKEN *token, const char **message) {
+    if (lex->ungetch != LEX_NO_CHAR || lex->saveexpr != OAK_FALSE) {
+        return false;
+    }
+    const INPUT_WINDOW window = input_window(lex->input);
+    const size_t space = measure_space(lex, window);
+    const uint8_t *text = window.bytes + space;
+    const size_t size = window.size - space;
+    const B_CHAR ch = size != 0 ? text[0] : 0;
+    const bool quote = ch == '"' || ch == '\'';
+    const size_t count = is(ch, kAlone)   ? 1
+                         : quote          ? measure_string(lex, text, size)
+                         : is(ch, kDigit) ? measure_integer(text, size)
+                                          : 0;
+    const size_t first = lex->charno + space + 1;
+    advance(lex, space + count);
+    if (count == 0) {
+        return false;
+    }
+    begin_token(lex, first, token);
+    *message = is(ch, kAlone) ? getCharacter(ch, lex, token)
+               : quote        ? take_string(lex, text, count, token)
+                              : take_integer(lex, text, count, token);
+    return true;
+}
+
+// Apart from what most tokens need, so that they do not pay for its registers.
+[[gnu::noinline]] const char *scan_characters(B_LEX lex, B_TOKEN *token) {
+    const B_CHAR ch = skip_to_token(lex);
+    begin_token(lex, lex->charno, token);
+    return getToken(ch, lex, token);
+}
+
+void scan_token(B_LEX lex, B_TOKEN *token) {
+    const char *message = nullptr;
+    if (!scan_in_window(lex, token, &message)) {
+        message = scan_characters(lex, token);
+    }
+    if (message != nullptr) {
         lex->tokbuf[0] = 0;
         refuse(token, lex->outOfMemory != OAK_FALSE ? kOutOfMemory : message);
     }

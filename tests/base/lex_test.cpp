@@ -1029,7 +1029,7 @@ std::string rest(Lexer &lex) {
     for (;;) {
         const B_TOKEN token = lex.get();
         text += std::to_string(token.line) + ":" + std::to_string(token.pos) + ":" +
-                std::to_string(token.len) + " " + show(token) + "\n";
+                std::to_string(token.len) + " " + show(token) + " " + b_lexGetTokString(lex) + "\n";
         if (token.type == tokEOS) {
             return text;
         }
