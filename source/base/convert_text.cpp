@@ -2,17 +2,18 @@
 // number scanner, the platform's number parsers, decimals and UUIDs; called through the
 // matrix. Dates have their own file.
 //
-// Numbers to text: one walk, elementsToText. An array is "ARRAY[", its elements with
-// commas between them, and "]"; an element that does not fit is dropped whole with all
-// behind it, so a number is never cut in the middle and an array is always closed.
-// Floating numbers have 15 significant digits, or 7, in the shorter of the two usual
-// forms, with a point and an upper-case E whatever the process's locale.
+// Numbers to text: a single value is written, or an array walked, which is "ARRAY[", its
+// elements with commas between them, and "]"; an element that does not fit is dropped
+// whole with all behind it, so a number is never cut in the middle and an array is always
+// closed. Floating numbers have 15 significant digits, or 7, in the shorter of the two
+// usual forms, with a point and an upper-case E whatever the process's locale.
 //
 // Text to numbers: the scanner classifies the text, and what it found chooses the
 // parser, so that integers up to 19 digits are exact. Text with a fraction gives its
 // integer part and sTRUNCATE, even where all digits behind the point are zeros.
 #include "convert_internal.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <concepts>
@@ -39,15 +40,78 @@ constexpr int DIGITS_OF_FLOAT = 7;
 
 // Without a terminator.
 struct ElementText {
-    char chars[ELEMENT_TEXT_SIZE];
+    char *chars; // room for ELEMENT_TEXT_SIZE, or for the DIRECT_SIZE of the element's type
     size_t length;
 
+    char *end() const { return chars + ELEMENT_TEXT_SIZE; }
     void set(const char *end) { length = static_cast<size_t>(end - chars); }
 };
 
+// The longest text of a type whose elements are written where they belong, if there is
+// so much room: integers, which always succeed and touch no byte but their own. 0: made
+// elsewhere and copied.
+template <class T>
+constexpr size_t DIRECT_SIZE = 0;
+template <std::integral T>
+constexpr size_t DIRECT_SIZE<T> = std::numeric_limits<T>::digits10 + 1 + std::is_signed_v<T>;
+
+// How many decimal digits a number has: 1233 / 4096 is a little above the logarithm of 2,
+// so the bits tell the count or one less.
+size_t digitCount(uint64_t number) {
+    static constexpr auto POWERS = [] {
+        std::array<uint64_t, 20> powers{1};
+        for (size_t i = 1; i < powers.size(); ++i)
+            powers[i] = powers[i - 1] * 10;
+        return powers;
+    }();
+    const uint64_t bits = number | 1; // 0 has a digit too
+    const size_t least = static_cast<size_t>(std::bit_width(bits)) * 1233 >> 12;
+    return least + (bits >= POWERS[least] ? 1 : 0);
+}
+
+// Two digits.
+void writePair(char *out, uint32_t number) {
+    static constexpr auto PAIRS = [] {
+        std::array<char, 200> pairs{};
+        for (size_t i = 0; i < pairs.size(); ++i)
+            pairs[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
+        return pairs;
+    }();
+    std::memcpy(out, &PAIRS[number * 2], 2);
+}
+
+// Writes the digits of a number, four at a time from the last, as 64 bits are the dearest
+// to divide. Returns their end.
+char *writeDigits(uint64_t number, char *out) {
+    char *const end = out + digitCount(number);
+    char *place = end;
+    for (; number >= 10000; number /= 10000) {
+        const auto four = static_cast<uint32_t>(number % 10000);
+        writePair(place -= 2, four % 100);
+        writePair(place -= 2, four / 100);
+    }
+    auto rest = static_cast<uint32_t>(number);
+    if (rest >= 100) {
+        writePair(place -= 2, rest % 100);
+        rest /= 100;
+    }
+    if (rest >= 10)
+        writePair(out, rest);
+    else
+        *out = static_cast<char>('0' + rest);
+    return end;
+}
+
+template <std::integral T>
+void formatInteger(T number, ElementText *text) {
+    const auto bits = static_cast<uint64_t>(number);
+    *text->chars = '-'; // which a digit overwrites where there is no sign
+    text->set(writeDigits(number < 0 ? 0 - bits : bits, text->chars + (number < 0 ? 1 : 0)));
+}
+
 template <std::integral T>
 OAK_RETCODE formatElement(T number, ElementText *text) {
-    text->set(std::to_chars(text->chars, std::end(text->chars), number).ptr);
+    formatInteger(number, text);
     return sOKAY;
 }
 
@@ -64,13 +128,11 @@ void formatWord(OAK_FP_TYPE kind, ElementText *text) {
 void formatGeneral(double number, int digits, ElementText *text) {
     const double end = digits == DIGITS_OF_DOUBLE ? 1e15 : 1e7;
     if (number != 0 && std::fabs(number) < end && number == std::trunc(number)) {
-        text->set(
-            std::to_chars(text->chars, std::end(text->chars), static_cast<int64_t>(number)).ptr);
+        formatInteger(static_cast<int64_t>(number), text);
         return;
     }
-    text->set(std::to_chars(text->chars, std::end(text->chars), number, std::chars_format::general,
-                            digits)
-                  .ptr);
+    text->set(
+        std::to_chars(text->chars, text->end(), number, std::chars_format::general, digits).ptr);
     if (auto *exponent = static_cast<char *>(std::memchr(text->chars, 'e', text->length)))
         *exponent = 'E';
 }
@@ -96,24 +158,50 @@ OAK_RETCODE formatElement(float number, ElementText *text) {
 OAK_RETCODE formatElement(const OAK_BCD_T &decimal, ElementText *text) {
     size_t size = 0;
     const OAK_RETCODE rc =
-        oak_bcdToString(&decimal, OAK_FALSE, text->chars, sizeof text->chars, &size);
+        oak_bcdToString(&decimal, OAK_FALSE, text->chars, ELEMENT_TEXT_SIZE, &size);
     text->length = size - 1;
     return rc;
 }
 
 OAK_RETCODE formatElement(const OAK_UUID_T &uuid, ElementText *text) {
     text->length = oak_uuidStrLen(&uuid, OAK_FALSE) - 1;
-    return oak_uuidToString(&uuid, text->chars, sizeof text->chars, OAK_FALSE);
+    return oak_uuidToString(&uuid, text->chars, ELEMENT_TEXT_SIZE, OAK_FALSE);
 }
 
-// ---- The walk -------------------------------------------------------------------------------
+// ---- One value ------------------------------------------------------------------------------
 
-// The text of a value or array on its way into the destination, or being measured.
-class TextRun {
+// Text that does not fit is not there at all. An integer is written at its place: a
+// processor cannot hand out as a whole what it has not stored yet, so characters that
+// were made a moment ago are dear to copy.
+template <class T>
+OAK_RETCODE valueToText(CNVCB *block) {
+    auto *out = static_cast<char *>(block->pvDst);
+    const size_t limit = block->tDstLen;
+    const bool direct = DIRECT_SIZE<T> != 0 && out != nullptr && limit > DIRECT_SIZE<T>;
+    char elsewhere[ELEMENT_TEXT_SIZE];
+    ElementText text{direct ? out : elsewhere, 0};
+    const OAK_RETCODE rc = formatElement(load<T>(block->pvSrc), &text);
+    if (rc < sOKAY)
+        return rc;
+    if (limit != 0 && text.length >= limit) {
+        block->tSize = 1;
+        return sTRUNCATE;
+    }
+    block->tSize = text.length + 1;
+    if (out == nullptr)
+        return sOKAY;
+    if (!direct)
+        std::memcpy(out, text.chars, text.length);
+    out[text.length] = '\0';
+    return sOKAY;
+}
+
+// ---- The walk over an array -----------------------------------------------------------------
+
+// The text of an array on its way into the destination, or being measured.
+class ArrayRun {
   public:
-    explicit TextRun(CNVCB *block)
-        : block_(block), out_(static_cast<char *>(block->pvDst)),
-          isArray_(block->uSrcNumElems != 0), total_(isArray_ ? ARRAY_BUDGET : 0) {}
+    explicit ArrayRun(CNVCB *block) : block_(block), out_(static_cast<char *>(block->pvDst)) {}
 
     // False when the element does not fit, together with all that must follow it.
     bool take(const ElementText &text) {
@@ -123,7 +211,7 @@ class TextRun {
             return false;
         if (separator != 0)
             append(",", 1);
-        else if (isArray_)
+        else
             append(PREFIX, sizeof PREFIX - 1);
         append(text.chars, text.length);
         total_ = total;
@@ -135,7 +223,7 @@ class TextRun {
     void finish() {
         block_->tSize = taken_ ? total_ + 1 : 1;
         if (taken_)
-            isArray_ ? append("]", sizeof "]") : append("", sizeof "");
+            append("]", sizeof "]");
     }
 
   private:
@@ -151,17 +239,17 @@ class TextRun {
 
     CNVCB *block_;
     char *out_;
-    bool isArray_;
     bool taken_ = false;
-    size_t total_;
+    size_t total_ = ARRAY_BUDGET;
 };
 
 template <class T>
-OAK_RETCODE elementsToText(CNVCB *block) {
-    TextRun run(block);
+OAK_RETCODE arrayToText(CNVCB *block) {
+    ArrayRun run(block);
     OAK_RETCODE result = sOKAY;
     for (size_t i = 0; i < elementCount(block) && result == sOKAY; ++i) {
-        ElementText text;
+        char chars[ELEMENT_TEXT_SIZE];
+        ElementText text{chars, 0};
         const OAK_RETCODE rc = formatElement(loadElement<T>(block, i), &text);
         if (rc < sOKAY)
             return rc;
@@ -169,6 +257,11 @@ OAK_RETCODE elementsToText(CNVCB *block) {
     }
     run.finish();
     return result;
+}
+
+template <class T>
+OAK_RETCODE elementsToText(CNVCB *block) {
+    return block->uSrcNumElems == 0 ? valueToText<T>(block) : arrayToText<T>(block);
 }
 
 // ---- Numeric text ---------------------------------------------------------------------------

@@ -48,6 +48,41 @@ TEST(ConvertText, WritesIntegersPlainly) {
     EXPECT_EQ(as_text<int32_t>(cnv_int32ToString, 0), "0");
 }
 
+// Every power of ten and of two and their neighbours, in either sign.
+TEST(ConvertText, WritesIntegersOfEveryLength) {
+    std::vector<uint64_t> numbers = {0, UINT64_MAX};
+    for (const uint64_t base : {uint64_t{2}, uint64_t{10}})
+        for (uint64_t power = 1; power <= UINT64_MAX / base;) {
+            power *= base;
+            numbers.insert(numbers.end(), {power - 1, power, power + 1});
+        }
+    for (const uint64_t number : numbers) {
+        EXPECT_EQ(as_text(cnv_uint64ToString, number), std::to_string(number));
+        for (const int64_t value : {static_cast<int64_t>(number), static_cast<int64_t>(0 - number)})
+            EXPECT_EQ(as_text(cnv_int64ToString, value), std::to_string(value));
+        const auto narrow = static_cast<int32_t>(number);
+        EXPECT_EQ(as_text(cnv_int32ToString, narrow), std::to_string(narrow));
+    }
+}
+
+// At every room: the whole text with its terminator and no byte more, or nothing.
+TEST(ConvertText, WritesAnIntegerWholeOrNotAtAll) {
+    for (const int64_t value : {int64_t{0}, int64_t{-1}, int64_t{1234567}, INT64_MAX, INT64_MIN}) {
+        const std::string expected = std::to_string(value);
+        for (size_t room = 1; room <= 48; ++room) {
+            const Outcome outcome = run_single(cnv_int64ToString, value, room);
+            const bool fits = room > expected.size();
+            EXPECT_EQ(outcome.status, fits ? sOKAY : sTRUNCATE) << room;
+            EXPECT_EQ(outcome.size, fits ? expected.size() + 1 : 1) << room;
+            EXPECT_TRUE(outcome.untouched_from(fits ? outcome.size : 0)) << room;
+            EXPECT_TRUE(!fits || outcome.text() == expected) << room;
+            CNVCB sizing = block_over(&value, 0, 0, nullptr, room);
+            EXPECT_EQ(cnv_int64ToString(&sizing), outcome.status) << room;
+            EXPECT_EQ(sizing.tSize, outcome.size) << room;
+        }
+    }
+}
+
 struct FloatText {
     double value;
     const char *text;
