@@ -74,14 +74,14 @@ struct Destination {
     size_t size; // the bytes that were asked for, then those that there are; 0: no limit
 };
 
-const void *getOakValuePtr(const OAK_VALUE *pVal, Form form) {
+inline const void *getOakValuePtr(const OAK_VALUE *pVal, Form form) {
     if (form == Form::none || form == Form::wideText)
         return nullptr;
     return liesInside(form, pVal->elts) ? static_cast<const void *>(&pVal->vt) : pVal->vt.pv;
 }
 
 // A text that came without a length has that of its characters.
-size_t lengthOf(OAK_TYPE type, Form form, const void *payload, size_t given) {
+inline size_t lengthOf(OAK_TYPE type, Form form, const void *payload, size_t given) {
     const unsigned typeClass = classOf(type);
     if (typeClass != OAK_TYPE_CLASS_BINARY && typeClass != OAK_TYPE_CLASS_TEXT)
         return 0;
@@ -91,7 +91,7 @@ size_t lengthOf(OAK_TYPE type, Form form, const void *payload, size_t given) {
 }
 
 // There are elements of numbers and of records alone.
-Source sourceOf(const OAK_VALUE *value) {
+inline Source sourceOf(const OAK_VALUE *value) {
     const Kind kind = kindOf(value->type);
     const void *payload = getOakValuePtr(value, kind.form);
     const bool hasElements = kind.form == Form::number || kind.form == Form::record;
@@ -107,7 +107,7 @@ Source rawSource(OAK_TYPE type, const void *payload, size_t length) {
 
 // ---- One run --------------------------------------------------------------------------------
 
-CNVCB makeBlock(const Source &source, OAK_TYPE dstType, const Formats &formats) {
+inline CNVCB makeBlock(const Source &source, OAK_TYPE dstType, const Formats &formats) {
     CNVCB block{};
     block.pvSrc = source.payload;
     block.tSrcLen = source.length;
@@ -125,7 +125,7 @@ CNVCB makeBlock(const Source &source, OAK_TYPE dstType, const Formats &formats) 
 }
 
 // Only binary without bytes may do without a payload.
-OAK_RETCODE runPair(const Source &source, Kind destination, CNVCB *block) {
+inline OAK_RETCODE runPair(const Source &source, Kind destination, CNVCB *block) {
     B_CNVFCN function = nullptr;
     const OAK_RETCODE rc = findConversion(source.kind, destination, &function);
     if (rc != sOKAY)

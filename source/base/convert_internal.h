@@ -12,6 +12,7 @@
 #ifndef CONVERT_INTERNAL_H
 #define CONVERT_INTERNAL_H
 
+#include <array>
 #include <bit>
 #include <cstring>
 
@@ -118,7 +119,7 @@ constexpr uint8_t NO_ROW = 255;
 
 // The row of a type in typeData and its form: text that is carried as UTF-8 has the row of
 // OAK_CHAR, and all binary that of OAK_BINARY.
-constexpr Kind kindOf(OAK_TYPE type) {
+constexpr Kind tellKind(OAK_TYPE type) {
     switch (type) {
         case OAK_CHAR:
         case OAK_VARCHAR:
@@ -179,6 +180,28 @@ constexpr Kind kindOf(OAK_TYPE type) {
     }
 }
 
+// The kinds of all types as a table, for each conversion asks for two. The types that
+// have one differ in their class, in five bits of the second byte and in the topmost.
+constexpr unsigned KIND_BITS = 0x9F0F;
+
+constexpr size_t kindIndex(unsigned type) {
+    return (type & 0x000F) | (type & 0x1F00) >> 4 | (type & 0x8000) >> 6;
+}
+
+inline constexpr auto kindTable = [] {
+    std::array<Kind, kindIndex(KIND_BITS) + 1> kinds{};
+    for (size_t i = 0; i < kinds.size(); ++i)
+        kinds[i] =
+            tellKind(static_cast<OAK_TYPE>((i & 0x00F) | (i & 0x1F0) << 4 | (i & 0x200) << 6));
+    return kinds;
+}();
+
+// What tellKind says.
+constexpr Kind kindOf(OAK_TYPE type) {
+    const auto bits = static_cast<unsigned>(type);
+    return (bits & ~KIND_BITS) == 0 ? kindTable[kindIndex(bits)] : Kind{NO_ROW, Form::none};
+}
+
 inline unsigned classOf(OAK_TYPE type) {
     return static_cast<unsigned>(type) & OAK_TYPE_CLASS_MASK;
 }
@@ -214,12 +237,26 @@ extern const OAK_TYPE_DATA typeData[CNV_TYPES];
 extern const CNVCODE cnv_codes[CNV_TYPES][CNV_TYPES]; // source, destination
 extern const CNV_SLOT cnvFcns[CNV_SLOTS];
 
+namespace convert {
+
+// 0 where either type has no row.
+inline CNVCODE codeOf(Kind source, Kind destination) {
+    const bool hasRows = source.row != NO_ROW && destination.row != NO_ROW;
+    return hasRows ? cnv_codes[source.row][destination.row] : CNVCODE{0};
+}
+
+} // namespace convert
+
 // The code of a conversion; `pCode` may be null. eINVCONVERT: there is none.
 OAK_RETCODE getConvertCode(OAK_TYPE srcType, OAK_TYPE dstType, CNVCODE *pCode);
 
 // The function of a conversion. eINVCONVERT: there is no code, or its slot is empty, as
 // those of wide text are, which travels as UTF-8.
-OAK_RETCODE findConversion(convert::Kind source, convert::Kind destination, B_CNVFCN *function);
+inline OAK_RETCODE findConversion(convert::Kind source, convert::Kind destination,
+                                  B_CNVFCN *function) {
+    *function = cnvFcns[convert::codeOf(source, destination)].function;
+    return *function == nullptr ? eINVCONVERT : sOKAY;
+}
 
 // ---- Elements -------------------------------------------------------------------------------
 

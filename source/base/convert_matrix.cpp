@@ -386,12 +386,6 @@ constexpr bool codesHaveSlots() {
 }
 static_assert(codesHaveSlots());
 
-// 0 where either type has no row.
-CNVCODE codeOf(Kind source, Kind destination) {
-    const bool hasRows = source.row != NO_ROW && destination.row != NO_ROW;
-    return hasRows ? cnv_codes[source.row][destination.row] : 0;
-}
-
 } // namespace
 
 OAK_RETCODE getConvertCode(OAK_TYPE srcType, OAK_TYPE dstType, CNVCODE *pCode) {
@@ -401,11 +395,6 @@ OAK_RETCODE getConvertCode(OAK_TYPE srcType, OAK_TYPE dstType, CNVCODE *pCode) {
     if (pCode != nullptr)
         *pCode = code;
     return sOKAY;
-}
-
-OAK_RETCODE findConversion(Kind source, Kind destination, B_CNVFCN *function) {
-    *function = cnvFcns[codeOf(source, destination)].function;
-    return *function == nullptr ? eINVCONVERT : sOKAY;
 }
 
 // ---- Exported -------------------------------------------------------------------------------

@@ -102,6 +102,16 @@ TEST(ConvertMatrix, HoldsTheTypesInTheirOrderWithTheirSizes) {
     }
 }
 
+// The table of kinds says what the list of types says, of every number that a type could be.
+TEST(ConvertMatrix, KindsStandInTheirTable) {
+    for (int32_t type = -0x20000; type < 0x20000; ++type) {
+        const convert::Kind kind = convert::kindOf(static_cast<OAK_TYPE>(type));
+        const convert::Kind told = convert::tellKind(static_cast<OAK_TYPE>(type));
+        ASSERT_EQ(kind.row, told.row) << type;
+        ASSERT_EQ(kind.form, told.form) << type;
+    }
+}
+
 TEST(ConvertMatrix, HoldsEveryCodeOfThe484) {
     size_t cells = 0;
     for (size_t from = 0; from < CNV_TYPES; ++from) {
