@@ -18,23 +18,35 @@ namespace oak {
 /// Searches the entries from `first` up to but not with `end`, which are in order,
 /// by halves. compare(data) compares what is looked for with an entry. True on a
 /// hit; `*slot` is the entry's place, or where what is looked for would go.
+///
+/// The processor guesses each outcome and errs at every other one. What that costs is
+/// the way from there to the next outcome, so what either one compares with next is
+/// loaded before the comparison: where there is nothing, from a slot near by.
 template <class Node, class Compare>
 [[gnu::always_inline]] inline bool node_search(const Node &node, uint32_t first, uint32_t end,
                                                Compare compare, uint32_t *slot) {
     const auto *const slots = node.slots;
     size_t low = first;
     size_t high = end;
+    size_t mid = (low + high - (high > 0 ? 1 : 0)) / 2;
+    auto data = slots[mid].data;
     while (low < high) {
-        const size_t mid = (low + high - 1) / 2;
-        const OAK_COMPARE result = compare(slots[mid].data);
+        const size_t left = (low + mid - (mid > 0 ? 1 : 0)) / 2; // of `low` to `mid` - 1
+        const size_t right = (mid + high) / 2;                   // of `mid` + 1 to `high` - 1
+        const auto left_data = slots[left].data;
+        const auto right_data = slots[right].data;
+        const OAK_COMPARE result = compare(data);
         if (result == OAK_LT) {
             high = mid;
+            data = left_data;
         } else if (result == OAK_GT) [[likely]] {
             low = mid + 1;
+            data = right_data;
         } else {
             *slot = static_cast<uint32_t>(mid);
             return true;
         }
+        mid = (low + high - 1) / 2;
     }
     *slot = static_cast<uint32_t>(low);
     return false;
