@@ -93,19 +93,20 @@ static_assert(OAK_BCD_MAX_DIGITS % WORD_DIGITS == 0 && BCD_WORK_DIGITS % WORD_DI
 /// Writes the digits from data[1] on as words, zeros behind `prec` in the last one,
 /// and ors what odd digits they have into `odd`. Returns the count of words. A record
 /// has room for whole words, so the loads stay within it.
-int load_words(const BcdOperand &operand, uint64_t *words, uint64_t *odd) {
+[[gnu::always_inline]] inline int load_words(const BcdOperand &operand, uint64_t *words,
+                                             uint64_t *odd) {
     const uint8_t *digits = operand.data + 1;
-    const int whole = operand.prec / WORD_DIGITS;
-    for (int i = 0; i < whole; ++i, digits += WORD_DIGITS) {
-        words[i] = load_word(digits);
-        *odd |= odd_digits(words[i]);
+    const int prec = operand.prec;
+    const int count = words_for(prec);
+    uint64_t found = 0;
+    for (int i = 0; i < count; ++i) {
+        const int left = prec - i * WORD_DIGITS;
+        const uint64_t word = load_word(digits + i * WORD_DIGITS);
+        words[i] = left < WORD_DIGITS ? first_digits(word, left) : word;
+        found |= odd_digits(words[i]);
     }
-    const int rest = operand.prec % WORD_DIGITS;
-    if (rest == 0)
-        return whole;
-    words[whole] = first_digits(load_word(digits), rest);
-    *odd |= odd_digits(words[whole]);
-    return whole + 1;
+    *odd |= found;
+    return count;
 }
 
 bool has_first_digit(const BcdOperand &operand) {
