@@ -1,6 +1,7 @@
 // Internal to the schema: the records behind the schema's handles.
 //
-// Law: nothing outside the schema's own sources (schema*.cpp) touches a field.
+// Law: nothing outside the schema's own sources (schema*.cpp) changes a field. Item
+// formats read them, by schema_view_internal.h where a rule goes with a field.
 // Every record and string of a schema lies under the schema's own tag, so that
 // freeing the tag frees the schema; triggers and their arrays alone lie under
 // the tag that their caller gave. Arrays of pointers are indexed by the
