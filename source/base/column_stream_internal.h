@@ -295,9 +295,14 @@ COLUMN_STREAM_INLINE auto move_value(const Way &way) -> decltype(way.at) {
             return way.template bits<OAK_UUID_T>();
         case StreamForm::text:
             return way.text();
-        default:
+        case StreamForm::by_type:
+        case StreamForm::large_object:
+        case StreamForm::rowid:
+        case StreamForm::foreign_key:
+        case StreamForm::absent:
             return nullptr;
     }
+    __builtin_unreachable(); // so that the jump needs no test before it
 }
 
 /// Writes the value at `place` in a record buffer. Null, with nothing written that

@@ -81,8 +81,9 @@ struct RowColumns {
 
 // Writes columns from a position on, at most `most`, as long as each has a value
 // that can be written on the spot. Tells how many they were; *at moves behind them.
-uint32_t put_columns(const RowColumns &row, uint32_t position, uint32_t most, uint8_t **at,
-                     const uint8_t *limit) {
+[[gnu::always_inline]] inline uint32_t put_columns(const RowColumns &row, uint32_t position,
+                                                   uint32_t most, uint8_t **at,
+                                                   const uint8_t *limit) {
     const uint8_t *data = row.data;
     const SCH_ROW_COLUMN *column = row.columns + position;
     const VAL_STATUS *status = row.status + position;
@@ -150,7 +151,7 @@ class RowPacker {
         return status == sOKAY ? values(position, size) : status;
     }
 
-    OAK_RETCODE number(uint64_t number) {
+    [[gnu::always_inline]] OAK_RETCODE number(uint64_t number) {
         if (writer_.has_room(osl::kMostVintBytes)) [[likely]] {
             writer_.at = column_stream::put(writer_.at, number);
             return sOKAY;
@@ -210,7 +211,7 @@ class RowPacker {
     // The group that begins at a position. Its size stands in front of it and is
     // known behind it: where it takes one byte, that byte is left open, so that the
     // columns are passed once.
-    OAK_RETCODE next_group(uint32_t position, uint32_t *size) {
+    [[gnu::always_inline]] OAK_RETCODE next_group(uint32_t position, uint32_t *size) {
         const uint32_t length = columns_.run_length(position);
         if (length > osl::kVintGroupMask || !writer_.has_room(1 + osl::kMostVintBytes)) {
             *size = columns_.group_size(position, length, 0);
@@ -224,7 +225,7 @@ class RowPacker {
         return written == *size ? sOKAY : values(position + written, *size - written);
     }
 
-    OAK_RETCODE values(uint32_t position, uint32_t count) {
+    [[gnu::noinline]] OAK_RETCODE values(uint32_t position, uint32_t count) {
         OAK_RETCODE status = sOKAY;
         while (status == sOKAY && count != 0) {
             const uint32_t written =
