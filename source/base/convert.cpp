@@ -82,7 +82,7 @@ inline const void *getOakValuePtr(const OAK_VALUE *pVal, Form form) {
 
 // A text that came without a length has that of its characters.
 inline size_t lengthOf(OAK_TYPE type, Form form, const void *payload, size_t given) {
-    const unsigned typeClass = classOf(type);
+    const unsigned typeClass = oak::type_class(type);
     if (typeClass != OAK_TYPE_CLASS_BINARY && typeClass != OAK_TYPE_CLASS_TEXT)
         return 0;
     if (given == 0 && isText(form) && payload != nullptr)

@@ -16,6 +16,7 @@
 #include <bit>
 #include <cstring>
 
+#include "base_internal.h"
 #include "convert.h"
 #include "convert_block.h"
 
@@ -202,13 +203,9 @@ constexpr Kind kindOf(OAK_TYPE type) {
     return (bits & ~KIND_BITS) == 0 ? kindTable[kindIndex(bits)] : Kind{NO_ROW, Form::none};
 }
 
-inline unsigned classOf(OAK_TYPE type) {
-    return static_cast<unsigned>(type) & OAK_TYPE_CLASS_MASK;
-}
-
 // The types of which there are arrays: truth values, integers and floating numbers.
 inline bool canBeArray(OAK_TYPE type) {
-    const unsigned typeClass = classOf(type);
+    const unsigned typeClass = oak::type_class(type);
     return typeClass >= OAK_TYPE_CLASS_BOOL && typeClass <= OAK_TYPE_CLASS_FLOAT;
 }
 

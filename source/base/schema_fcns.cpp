@@ -489,11 +489,12 @@ OAK_RETCODE sch_col_tostring_type_fcn(SCH_COL_INFO_C ci, const OAK_VALUE *val, u
     if (status != sOKAY || val->status == vsNULL) {
         return status;
     }
-    const auto type = static_cast<uint32_t>(type_of(ci)->type);
+    const OAK_TYPE type = type_of(ci)->type;
     *pformat = SCH_NATIVE_FORMAT;
-    if ((type & OAK_TYPE_CLASS_MASK) == OAK_TYPE_CLASS_BINARY) {
+    if (oak::type_class(type) == OAK_TYPE_CLASS_BINARY) {
         *pformat = SCH_BINARY_FORMAT;
-    } else if ((type & kNarrowTextMask) == OAK_CHAR && has_unprintable_byte(val->vt.cv)) {
+    } else if ((static_cast<uint32_t>(type) & kNarrowTextMask) == OAK_CHAR &&
+               has_unprintable_byte(val->vt.cv)) {
         *pformat = SCH_UTF8_BINARY_FORMAT;
     }
     return sOKAY;
@@ -502,9 +503,7 @@ OAK_RETCODE sch_col_tostring_type_fcn(SCH_COL_INFO_C ci, const OAK_VALUE *val, u
 // ---- Types and defaults -----------------------------------------------------
 
 OAK_BOOL_T sch_types_compatible(OAK_TYPE type1, OAK_TYPE type2) {
-    const auto is_text = [](OAK_TYPE type) {
-        return (static_cast<uint32_t>(type) & OAK_TYPE_CLASS_MASK) == OAK_TYPE_CLASS_TEXT;
-    };
+    const auto is_text = [](OAK_TYPE type) { return oak::type_class(type) == OAK_TYPE_CLASS_TEXT; };
     return type1 == type2 || (is_text(type1) && is_text(type2)) ? OAK_TRUE : OAK_FALSE;
 }
 
