@@ -23,7 +23,8 @@ OAK_RETCODE row_report(const OAK_ROW *row, OAK_RETCODE status, const char *where
 
 /// True when a column goes into the compact stream.
 bool calc_storable_buffer(SCH_COL_INFO_C ci, const OAK_ROW *row);
-/// Writes one closed group: its size, its first index, its values.
+/// Writes one closed group, whose columns are live and storable: its size, its first
+/// index, its values.
 OAK_RETCODE row_pack_compact_column_group_buffer(OAK_COL_INDEX grp_first, OAK_COL_INDEX grp_size,
                                                  const OAK_ROW *row, B_ENCODER encoder);
 

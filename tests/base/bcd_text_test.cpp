@@ -739,6 +739,7 @@ TEST(DecimalPack, CarriesADigitOfTen) {
     ASSERT_EQ(oak_bcdRound(&nine_and_half, &ten), sOKAY);
     EXPECT_EQ(packed(ten, 3, 0), "4010");
     EXPECT_EQ(packed(ten, 1, 0, eRANGE), "41");
+    EXPECT_EQ(packed(ten, 20, 0), "4000000000000000000100"); // 20 places and a spare nibble
 }
 
 TEST(DecimalPack, RefusesWhatNoColumnHas) {
@@ -782,6 +783,8 @@ TEST(DecimalUnpack, ReadsTheColumnsPlaces) {
 TEST(DecimalUnpack, RefusesANibbleThatIsNoDigit) {
     for (const char *bytes : {"4a0150", "40a150", "400f50", "4001a0", "0c9849", "0998f9"})
         EXPECT_EQ(unpacked(bytes, 5, 2, eINVBCD), NONE) << bytes;
+    EXPECT_EQ(unpacked("40000000000000000000a0", 20, 2, eINVBCD), NONE);
+    EXPECT_EQ(unpacked("4a00000000000000000000", 20, 2, eINVBCD), NONE);
 }
 
 TEST(DecimalUnpack, RefusesWhatNoColumnHas) {

@@ -764,6 +764,31 @@ TEST(CompactRow, PassesOverColumnsThatAreCountedAndNotThere) {
     }
 }
 
+TEST(CompactRow, WritesOneGroupByItself) {
+    const oaktest::Catalog catalog(three_ints());
+    const SCH_TBL_INFO ti = catalog.table("t");
+    RowBench row(ti);
+    for (OAK_COL_INDEX p = 0; p < 3; ++p) {
+        row.set<int32_t>(p, p + 1);
+    }
+    const auto group = [&row](OAK_COL_INDEX first, OAK_COL_INDEX size) {
+        b_encoderReset(row.encoder_);
+        EXPECT_EQ(row_pack_compact_column_group_buffer(first, size, &row.row_, row.encoder_),
+                  sOKAY);
+        return oaktest::hex(row.buffer_.data, row.buffer_.len);
+    };
+    EXPECT_EQ(group(0, 3), "0300020406");
+    EXPECT_EQ(group(1, 1), "010104"); // no more than it was told
+    EXPECT_EQ(group(1, 2), "02010406");
+    ASSERT_EQ(sch_tbl_col_drop(sch_get_col_by_index(ti, 0)), sOKAY);
+    ASSERT_EQ(sch_tbl_finalize(ti, OAK_FALSE), sOKAY);
+    RowBench two(ti); // columns 1 and 2 at the positions 0 and 1
+    two.set<int32_t>(0, 5);
+    two.set<int32_t>(1, 6);
+    EXPECT_EQ(row_pack_compact_column_group_buffer(2, 1, &two.row_, two.encoder_), sOKAY);
+    EXPECT_EQ(oaktest::hex(two.buffer_.data, two.buffer_.len), "01020c");
+}
+
 TEST(CompactRow, FollowsForeignKeysAndDropsWithoutAnotherFinalization) {
     const oaktest::Catalog catalog(linked_tables());
     const SCH_TBL_INFO ti = catalog.table("t");
