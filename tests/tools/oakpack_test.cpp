@@ -223,7 +223,11 @@ TEST(Oakpack, TakesOtherTextsForTheSameValues) {
         {R"("timestamp")", "2024-02-29", "2024-02-29 00:00:00.0000"},
         {R"("timestamp")", "01:02:03", "0001-01-01 01:02:03.0000"},
         {R"("timestamp")", "2024/2/9 1:02:03.0004", "2024-02-09 01:02:03.0004"},
+        {R"("timestamp")", "\"Feb29, 2024\"", "2024-02-29 00:00:00.0000"},
+        {R"("timestamp")", "\" February29,2024 1:02:03.0004pm\"", "2024-02-29 13:02:03.0004"},
+        {R"("timestamp")", "\"\"", "0001-01-01 00:00:00.0000"},
         {R"("timestamptz")", "2024-02-29 1:02:03 +02:00", "2024-02-29 01:02:03.0000 +02:00"},
+        {R"("timestamptz")", "\"Feb29, 2024 1:02:03 +02:00\"", "2024-02-29 01:02:03.0000 +02:00"},
         {R"("uuid")", "{12345678-9ABC-4DEF-8012-3456789ABCDE}",
          "12345678-9abc-4def-8012-3456789abcde"},
         {R"("binary", "length": 3)", "0x0a", "0x0A0000"},
@@ -323,11 +327,18 @@ TEST(Oakpack, TakesDatesAndTimesWholeOrNotAtAll) {
         {"date", "2023-04-31", "day"},
         {"timestamp", "10000-01-01 00:00:00", "day"},
         {"timestamp", "2023-02-29 01:02:03", "day"},
+        {"timestamp", "Feb29, 2023", "day"},
+        {"timestamp", "Apr31, 2023 01:02:03", "day"},
         {"timestamptz", "2023-02-29 23:02:03 +02:00", "day"},
         {"date", "2023-02-28 13:00:00", "more"},
         {"date", "2023-02-28x", "more"},
         {"time", "12:00:00 +02:00", "more"},
+        {"time", "1:02:03 pm", "more"},
+        {"time", "1:02:03m", "more"},
+        {"time", "1:02:03pmpm", "more"},
         {"timestamp", "2023-02-28 13:00:00 +02:00", "more"},
+        {"timestamp", "Feb28, 2023 13:00:00 +02:00", "more"},
+        {"timestamp", "Feb28, 2023 13:00:00 x", "more"},
         {"timetz", "12:00:00.0000 +02:00 7", "more"},
         {"timestamptz", "2023-02-28 13:00:00.0000 +02:00 7 8", "more"},
     };
@@ -342,7 +353,7 @@ TEST(Oakpack, TakesDatesAndTimesWholeOrNotAtAll) {
         const bool no_day = std::string(why) == "day";
         const std::string quoted = std::string("'") + text + "'";
         bench.expect_refused(
-            name + "\n" + text + "\n",
+            name + "\n\"" + text + "\"\n",
             "line 2, column '" + name + "': " +
                 (no_day ? tools::status_text(eBASE_INVDATE) + ": there is no day " + quoted
                         : tools::status_text(eINVLITERAL) + ": " + quoted +

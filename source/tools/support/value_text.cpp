@@ -292,17 +292,39 @@ size_t most_numbers(OAK_TYPE type) {
     }
 }
 
+// Where the characters end that dates and times are written with. A half of the
+// day is told right behind a digit.
+const char *end_of_date(const char *text) {
+    for (;; ++text) {
+        text += std::strspn(text, "0123456789-/.:+, ");
+        if (*text == '\0' || std::strchr("aApP", *text) == nullptr || !is_digit(text[-1])) {
+            return text;
+        }
+        text += text[1] == 'm' || text[1] == 'M' ? 1 : 0;
+    }
+}
+
+// Whether a text's numbers are the day of the canonical one, year-month-day. Day
+// and year stand behind the name of a month.
+bool is_same_day(const Numbers &given, bool names_month, const Numbers &canonical) {
+    const uint64_t *day = canonical.number;
+    return names_month ? given.number[0] == day[2] && given.number[1] == day[0]
+                       : std::memcmp(given.number, day, 3 * sizeof *day) == 0;
+}
+
 // The conversions pass over what stands behind a date or time, and take the 30th
-// of February for a day of March. Here a text is taken whole or not at all; one
-// that begins with the name of a month is left to the conversion.
+// of February for a day of March. Here a text is taken whole or not at all.
 OAK_RETCODE check_whole(const Column &column, const char *text, const OAK_VALUE &value,
                         std::string *detail) {
-    if (!is_digit(text[std::strspn(text, " ")])) {
-        return sOKAY;
-    }
     const Numbers given = numbers_of(text);
-    if (given.count > most_numbers(column.type) ||
-        text[std::strspn(text, "0123456789-/.:+ aApPmM")] != '\0') {
+    if (given.count == 0) {
+        return sOKAY; // an empty text is the first moment that there is
+    }
+    const size_t blanks = std::strspn(text, " \t\n\v\f\r");
+    const size_t before = std::strcspn(text, "0123456789");
+    const bool names_month = before > blanks;
+    if (given.count + (names_month ? 1 : 0) > most_numbers(column.type) ||
+        *end_of_date(text + before) != '\0') {
         *detail = std::string("'") + text + "' holds more than the column takes";
         return eINVLITERAL;
     }
@@ -310,8 +332,7 @@ OAK_RETCODE check_whole(const Column &column, const char *text, const OAK_VALUE 
     const OAK_RETCODE status = append_value_text(&canonical, column, value);
     const Numbers taken = numbers_of(canonical.c_str());
     const bool has_date = taken.behind_first == '-' && given.behind_first != ':';
-    if (status == sOKAY && has_date &&
-        std::memcmp(given.number, taken.number, 3 * sizeof(uint64_t)) != 0) {
+    if (status == sOKAY && has_date && !is_same_day(given, names_month, taken)) {
         *detail = std::string("there is no day '") + text + "'";
         return eBASE_INVDATE;
     }
