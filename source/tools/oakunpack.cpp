@@ -26,16 +26,19 @@ constexpr char kDescription[] =
 
 // ---- Where the rows go ------------------------------------------------------
 
-// Whether two open files are one, found out by a lock, which only one of two
-// handles gets. A file that another program holds is not looked at.
-bool are_one(const File &first, const File &second) {
-    if (osl_fileLock(first.handle()) != sOKAY) {
-        return false;
+// Why rows cannot go to the open file `name`: it is the item file, or another
+// program holds it. Found out by locks, which only one of two handles on a file
+// gets.
+Complaint why_not_to(const char *name, const File &file, const File &items) {
+    const bool has_items = osl_fileLock(items.handle()) == sOKAY;
+    const bool in_use = osl_fileLock(file.handle()) == eFILEINUSE;
+    OAK_IGNORE_STATUS(osl_fileUnlock(items.handle()), "closing unlocks as well");
+    const bool is_items = has_items && in_use && osl_fileLock(file.handle()) == sOKAY;
+    OAK_IGNORE_STATUS(osl_fileUnlock(file.handle()), "it may not be locked");
+    if (is_items) {
+        return std::string(name) + ": the rows cannot go to the item file itself";
     }
-    const bool one = osl_fileLock(second.handle()) == eFILEINUSE;
-    OAK_IGNORE_STATUS(osl_fileUnlock(first.handle()), "closing unlocks as well");
-    OAK_IGNORE_STATUS(osl_fileUnlock(second.handle()), "it may not be locked");
-    return one;
+    return in_use ? std::string(name) + ": " + status_text(eFILEINUSE) : Complaint();
 }
 
 // The CSV, to a file or to standard output. A file that is not finished goes, or
@@ -62,8 +65,8 @@ class Destination {
         if (Complaint complaint = file.open(name, OSL_OPEN_CREATE); !complaint.empty()) {
             return complaint;
         }
-        if (are_one(items, file)) {
-            return std::string(name) + ": the rows cannot go to the item file itself";
+        if (Complaint complaint = why_not_to(name, file, items); !complaint.empty()) {
+            return complaint;
         }
         name_ = name;
         made_ = made;

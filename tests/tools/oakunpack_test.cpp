@@ -193,6 +193,35 @@ TEST(Oakunpack, TheRowsDoNotGoToTheItemFileItself) {
     }
 }
 
+TEST(Oakunpack, AFileThatAnotherProgramHoldsIsReadAndNotWritten) {
+    const Bench bench(two_columns());
+    const std::string items = item_file({kRow});
+    bench.place.write("items", items);
+    bench.place.write("held", "rows of old");
+    const auto unpack_to = [&](const char *name) {
+        return bench.place.run("oakunpack", {"-c", "catalog", "-t", "t", "items", name});
+    };
+    const auto expect_in_use = [&](const char *name) {
+        const Result run = unpack_to(name);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.err,
+                  std::string("oakunpack: ") + name + ": " + tools::status_text(eFILEINUSE) + "\n");
+    };
+    tools::File held;
+    ASSERT_EQ(held.open(bench.place.path("held").c_str(), OSL_OPEN_READ), "");
+    ASSERT_EQ(osl_fileLock(held.handle()), sOKAY);
+    expect_in_use("held");
+    EXPECT_EQ(bench.place.read("held"), "rows of old");
+    tools::File writer;
+    ASSERT_EQ(writer.open(bench.place.path("items").c_str(), OSL_OPEN_READ), "");
+    ASSERT_EQ(osl_fileLock(writer.handle()), sOKAY);
+    expect_in_use("items");
+    EXPECT_EQ(bench.place.read("items"), items);
+    const Result run = unpack_to("rows.csv");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(bench.place.read("rows.csv"), "a,b\n5,x\n");
+}
+
 TEST(Oakunpack, TellsThatTheRowsCannotBeWritten) {
     if (!std::filesystem::exists("/dev/full")) {
         GTEST_SKIP();
