@@ -508,6 +508,28 @@ TEST(ItemFile, AFailedAppendLeavesWhatWasThere) {
     EXPECT_EQ(runs > 0, oaktest::faults_are_injected());
 }
 
+TEST(ItemFile, AFailedAppendOverTheRestOfAnotherLeavesWhatWasThere) {
+    const oaktest::Workplace place;
+    const std::string items = place.path("items");
+    Bytes before = plain_file({16, 16});
+    before.insert(before.end(), 100, 0xF5); // more than is appended, so the file is cut
+    const Bytes after = plain_file({16, 16, 16});
+    oaktest::sweep_faults(oaktest::Resource::file, {eFILEIO}, [&] {
+        place.write("items", std::string(before.begin(), before.end()));
+        const Complaint complaint = append_to(items, {16});
+        const ReadFile file = read(file_bytes(place, "items"));
+        EXPECT_EQ(file.header, "");
+        EXPECT_EQ(file.ending, "");
+        EXPECT_EQ(file.items.size(), complaint.empty() ? 3u : 2u) << complaint;
+        if (complaint.empty()) {
+            EXPECT_EQ(file_bytes(place, "items"), after);
+        } else {
+            EXPECT_EQ(complaint.rfind(items + ": ", 0), 0u) << complaint;
+        }
+        return complaint.empty() ? sOKAY : eFILEIO;
+    });
+}
+
 TEST(ItemFile, AFailedAppendForWantOfMemoryLeavesWhatWasThere) {
     const oaktest::Workplace place;
     const std::string items = place.path("items");

@@ -292,6 +292,23 @@ TEST(OakError, RefusesAWrongCommandLine) {
     }
 }
 
+TEST(OakError, TellsThatItsAnswerCannotBeWritten) {
+    if (!std::filesystem::exists("/dev/full")) {
+        GTEST_SKIP();
+    }
+    const std::string err = (std::filesystem::temp_directory_path() /
+                             ("oakerror_test." + std::to_string(osl_get_pid())))
+                                .string() +
+                            ".err";
+    for (const char *args : {" eRANGE", " --json eRANGE"}) {
+        const std::string command =
+            quoted(OAK_BINARY_DIR "/oakerror") + args + " >/dev/full 2>" + quoted(err);
+        EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+        const std::string text = oakErrorString(eBADWRITE);
+        EXPECT_EQ(contents(err), "oakerror: standard output: eBADWRITE (" + text + ")\n");
+    }
+}
+
 TEST(OakError, DoesNotTakeDigitsOutOfAGroupOfOptions) {
     const Result run = oakerror({"-j1"});
     EXPECT_EQ(run.status, 1);

@@ -2,6 +2,7 @@
 // told where it stands, and never a crash or a change of the file.
 #include <cstring>
 
+#include "dbobjapi.h"
 #include "item_file.h"
 #include "tool_run.h"
 
@@ -86,6 +87,51 @@ TEST(Oakitem, TakesACompactRowApart) {
                   line(5, "03 61 22 62", "b = \"a\\\"b\"") +
                   line(9, "00", "columns in the group = 0") +
                   line(10, "00 00 00 00 00", "padding"));
+}
+
+/// The stored object, in hex, of a packed one in hex.
+std::string compressed(const std::string &packed, OAK_ITEM_FORMAT format,
+                       OAK_COMPRESS_METHOD method) {
+    const std::vector<uint8_t> bytes = oaktest::unhex(packed);
+    const tools::Tag tag;
+    LZMA lzma = nullptr;
+    OAK_BUFFER from, to;
+    b_buffInit(&from, tag);
+    b_buffInit(&to, tag);
+    b_buffSetStatic(&from, bytes.data(), bytes.size());
+    EXPECT_EQ(b_lzmaCreate(&lzma), sOKAY);
+    EXPECT_EQ(obj_compress(lzma, method, 0, format, &from, &to), sOKAY);
+    const std::string stored = oaktest::hex(to.data, to.len);
+    b_lzmaDestroy(lzma);
+    b_buffTerm(&to);
+    b_buffTerm(&from);
+    return stored;
+}
+
+TEST(Oakitem, NamesTheMethodAndShowsWhatWasCompressed) {
+    const Bench bench(two_columns());
+    const std::string parts = line(0, "00", "AVL keys = 0") + line(1, "00", "joins = 0") +
+                              line(2, "02", "columns in the group = 2") +
+                              line(3, "00", "first column = 0") + line(4, "0a", "a = 5") +
+                              line(5, "01 78", "b = \"x\"") +
+                              line(7, "00", "columns in the group = 0");
+    const std::tuple<OAK_COMPRESS_METHOD, int, const char *> cases[] = {
+        {OAK_COMPRESS_LZMA, 18, "lzma"}, {OAK_COMPRESS_ZERO, 20, "zero"}};
+    for (const auto &[method, header, name] : cases) {
+        const std::string object =
+            compressed("00 00 02 00 0a 01 78 00", OAK_ITEM_FORMAT_COMPACT, method);
+        EXPECT_EQ(bench.show(object), header_line(header, "compact", name, 8) + parts);
+        const Result json = bench.run(item_file({oaktest::unhex(object)}), {"--json"});
+        const std::string member = std::string("\"compression\":\"") + name + "\"";
+        EXPECT_NE(json.out.find(member), std::string::npos) << json.out;
+    }
+}
+
+TEST(Oakitem, ARowOfATableWithoutColumnsEndsBehindItsJoins) {
+    EXPECT_EQ(Bench(one_table("", 0)).show("11 00 00"),
+              header_line(17, "compact", "none", 15) + line(0, "00", "AVL keys = 0") +
+                  line(1, "00", "joins = 0") +
+                  line(2, "00 00 00 00 00 00 00 00 00 00 00 00 00", "padding"));
 }
 
 TEST(Oakitem, NamesKeysAndReferences) {
@@ -326,6 +372,44 @@ TEST(Oakitem, SaysWhereACompactRowIsDamaged) {
                                                                                 << damage << "\n"
                                                                                 << shown;
     }
+}
+
+TEST(Oakitem, ShowsTheBytesOfAValueThatHasNoText) {
+    const Bench bench(
+        one_table(column(0, "a", R"("bool")") + "," + column(1, "b", R"("bool", "noelts": 2)"), 2));
+    const std::string start = header_line(17, "compact", "none", 15) +
+                              line(0, "00", "AVL keys = 0") + line(1, "00", "joins = 0") +
+                              line(2, "01", "columns in the group = 1");
+    const std::string corrupted = tools::status_text(eDBCORRUPTED);
+    EXPECT_EQ(bench.show("11 00 00 01 00 06 00", 1), // 3, no boolean
+              start + line(3, "00", "first column = 0") + line(4, "06", "a") +
+                  "  damaged: byte 4, a: " + corrupted + "\n");
+    EXPECT_EQ(bench.show("11 00 00 01 01 01 02 00 02 06 00", 1), // one run: true, and 3
+              start + line(3, "01", "first column = 1") + line(4, "01 02 00 02 06", "b") +
+                  "  damaged: byte 4, b: " + corrupted + "\n");
+}
+
+TEST(Oakitem, SaysThatAColumnOfAGroupIsNotThere) {
+    // Columns 0 and 2 of 3 are there.
+    std::string catalog =
+        one_table(column(0, "a", R"("int32")") + "," + column(2, "c", R"("int32")"), 2);
+    for (const std::string member : {"\"nextcol\": ", "\"maxcols\": "}) {
+        catalog.replace(catalog.find(member) + member.size(), 1, "3");
+    }
+    EXPECT_EQ(Bench(catalog).show("11 00 00 03 00 0a 0c 0e 00", 1),
+              header_line(17, "compact", "none", 15) + line(0, "00", "AVL keys = 0") +
+                  line(1, "00", "joins = 0") + line(2, "03", "columns in the group = 3") +
+                  line(3, "00", "first column = 0") + line(4, "0a", "a = 5") +
+                  "  damaged: byte 5, column 1: " + tools::status_text(eDBCORRUPTED) + "\n");
+}
+
+TEST(Oakitem, SaysThatAnExpandedRowEndsInsideItsLength) {
+    const std::string object =
+        compressed("18 00 00 00 00 00 00", OAK_ITEM_FORMAT_EXPANDED, OAK_COMPRESS_LZMA);
+    EXPECT_EQ(Bench(two_columns()).show(object, 1),
+              header_line(34, "expanded", "lzma", 7) +
+                  "  damaged: byte 0, length of the row buffer: " + tools::status_text(eEOD) +
+                  "\n");
 }
 
 TEST(Oakitem, SaysWhereAnExpandedRowIsDamaged) {

@@ -598,6 +598,55 @@ TEST(Oakpack, AReferenceToARowNumberIsPackedAsAJoin) {
                          "line 2, column 'author': " + tools::status_text(sTRUNCATE) + ": '1.5'");
 }
 
+/// The library's catalog with another type and a default for the first column of
+/// a type behind `place`.
+std::string library_with(const std::string &place, const std::string &type,
+                         const std::string &new_type, const std::string &value) {
+    std::string catalog = oaktest::read_all(oaktest::example("library.json"));
+    const std::string old = R"("type": {"data_type": )" + type + "}";
+    const size_t at = catalog.find(old, catalog.find(place));
+    return catalog.replace(at, old.size(),
+                           R"("type": {"data_type": )" + new_type + R"(}, "defValue": ")" + value +
+                               "\"");
+}
+
+TEST(Oakpack, TheDefaultOfAReferenceToARowNumberIsPackedAsAJoin) {
+    const std::string header = "isbn,title,author,price,published,cover,summary,language\n";
+    for (const char *type : {"int8", "int32", "int64", "uint16", "uint64"}) {
+        const auto bench = [&](const std::string &number) {
+            return Bench(library_with(R"("name": "author", "refid")", R"("uint64")",
+                                      std::string("\"") + type + "\"", number),
+                         "book");
+        };
+        for (const char *format : kFormats) {
+            bench("107").expect_rows("isbn,title\n1,One\n", header + "1,One,107,0.00,,,,en\n",
+                                     {"-f", format});
+        }
+        const std::string refused = "column 'author', which the CSV does not name: its default: " +
+                                    tools::status_text(eRANGE);
+        bench("0").expect_refused("isbn,title\n1,One\n", refused);
+        if (type[0] != 'u') {
+            bench("-7").expect_refused("isbn,title\n1,One\n", refused);
+        }
+        // It does not stand in for an empty field.
+        bench("107").expect_rows("isbn,title,author\n1,One,\n", header + "1,One,,0.00,,,,en\n");
+    }
+}
+
+TEST(Oakpack, DefaultsOfOtherReferencesAndLargeObjectsAreRefused) {
+    const std::string refused =
+        "', which the CSV does not name: its default: " + tools::status_text(eNOTIMPLEMENTED);
+    const Bench loan(library_with(R"("name": "isbn", "refid")", R"("char", "length": 53)",
+                                  R"("char", "length": 53)", "123"),
+                     "loan");
+    loan.expect_refused("member\nx\n", "column 'isbn" + refused);
+    EXPECT_EQ(loan.pack("member,isbn\nx,\n").status, 0) << "where the CSV names it";
+    const Bench book(library_with(R"("name": "summary")", R"("clob")", R"("clob")", "short"),
+                     "book");
+    book.expect_refused("isbn,title\n1,One\n", "column 'summary" + refused);
+    EXPECT_EQ(book.pack("isbn,title,summary\n1,One,\n").status, 0) << "where the CSV names it";
+}
+
 TEST(Oakpack, OtherReferencesAndLargeObjectsCanOnlyBeNull) {
     const Bench loan = Bench::of_library("loan");
     loan.expect_refused("member,isbn\nx,123\n",

@@ -127,6 +127,39 @@ TEST(Oakunpack, TellsAValueThatHasNoText) {
                   tools::status_text(eDBCORRUPTED) + "\n");
 }
 
+// An expanded row: length, two statuses, a float, four bytes of padding, a double,
+// two has-value bytes, padding.
+std::string float_row(const std::string &single, const std::string &twice) {
+    return "21 2000000000000000 01000000 01000000" + single + "00000000" + twice +
+           "01 01 000000000000";
+}
+
+TEST(Oakunpack, WhatIsNoNumberHasTheWordsOfTheLibrary) {
+    const Bench bench(
+        one_table(column(0, "a", R"("float")") + "," + column(1, "b", R"("double")"), 2));
+    const Result run = bench.unpack(item_file({
+        float_row("0000c07f", "000000000000f07f"),
+        float_row("0000c0ff", "000000000000f0ff"),
+        float_row("0000807f", "000000000000f87f"),
+        float_row("000080ff", "000000000000f8ff"),
+        float_row("0000803f", "000000000000e0bf"),
+    }));
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "a,b\nNAN,INF\n-NAN,-INF\nINF,NAN\n-INF,-NAN\n1,-0.5\n");
+}
+
+TEST(Oakunpack, TellsAnElementThatHasNoText) {
+    const Bench bench(one_table(column(0, "a", R"("bool", "noelts": 2)"), 1));
+    const Result run = bench.unpack(item_file({
+        "11 00 00 01 00 01 02 00 02 06 00", // one run of 2 elements: true, and 3
+        "11 00 00 01 00 01 02 00 02 00 00",
+    }));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "a\n\"ARRAY[true,false]\"\n");
+    EXPECT_EQ(run.err, "oakunpack: items: item at 16: column 'a': " +
+                           tools::status_text(eDBCORRUPTED) + "\n");
+}
+
 TEST(Oakunpack, TellsALargeObjectWhoseValueLiesElsewhere) {
     const Bench bench(
         one_table(column(0, "a", R"("int32")") + "," + column(1, "b", R"("blob")", R"("dwrid": 6)"),
@@ -238,6 +271,72 @@ TEST(Oakunpack, TellsThatTheRowsCannotBeWritten) {
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.err, "oakunpack: /dev/full: " + tools::status_text(eBADWRITE) + "\n");
     EXPECT_TRUE(std::filesystem::exists("/dev/full")) << "only what was made goes";
+}
+
+// A table with one text, and 400 rows of it, 400 KB: more than is gathered before
+// it is written.
+constexpr int kLongRows = 400;
+
+Bench long_bench() {
+    return Bench(one_table(column(0, "a", R"("varchar", "length": 1001)"), 1));
+}
+
+std::string long_items() {
+    std::string object = "11 00 00 01 00 e8 07"; // 1000 bytes
+    for (int i = 0; i < 1000; ++i) {
+        object += "78";
+    }
+    return item_file(Strings(kLongRows, object + "00"));
+}
+
+std::string long_rows() {
+    std::string rows = "a\n";
+    for (int i = 0; i < kLongRows; ++i) {
+        rows += std::string(1000, 'x') + "\n";
+    }
+    return rows;
+}
+
+TEST(Oakunpack, ManyRowsArriveWhole) {
+    const Bench bench = long_bench();
+    const std::string items = long_items();
+    Result run = bench.unpack(items);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(run.out == long_rows());
+    run = bench.unpack(items, {"rows.csv"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(bench.place.read("rows.csv") == long_rows());
+}
+
+TEST(Oakunpack, TellsOnceThatManyRowsCannotBeWritten) {
+    if (!std::filesystem::exists("/dev/full")) {
+        GTEST_SKIP();
+    }
+    const Bench bench = long_bench();
+    bench.place.write("items", long_items());
+    const std::string command = "cd " + oaktest::shell_word(bench.place.path("")) + " && " +
+                                OAK_BINARY_DIR "/oakunpack -c catalog -t t items >/dev/full 2>err";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+    EXPECT_EQ(bench.place.read("err"),
+              "oakunpack: standard output: " + tools::status_text(eBADWRITE) + "\n");
+}
+
+TEST(Oakunpack, AFileThatCannotBeFinishedGoesOrIsLeftEmpty) {
+    const Bench bench = long_bench();
+    bench.place.write("items", long_items());
+    // Files of 100 blocks at most, 51,200 or 102,400 bytes.
+    const std::string command = "cd " + oaktest::shell_word(bench.place.path("")) +
+                                " && trap '' XFSZ && ulimit -f 100 && " +
+                                OAK_BINARY_DIR "/oakunpack -c catalog -t t items rows.csv 2>err";
+    const std::string message = "oakunpack: rows.csv: " + tools::status_text(eBADWRITE) + "\n";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+    EXPECT_EQ(bench.place.read("err"), message);
+    EXPECT_FALSE(bench.place.has("rows.csv"));
+    bench.place.write("rows.csv", "rows of old");
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+    EXPECT_EQ(bench.place.read("err"), message);
+    EXPECT_TRUE(bench.place.has("rows.csv"));
+    EXPECT_EQ(bench.place.read("rows.csv"), "");
 }
 
 TEST(Oakunpack, RefusesAWrongCommandLineAndShowsItsHelp) {
