@@ -764,6 +764,19 @@ TEST(CompactRow, PassesOverColumnsThatAreCountedAndNotThere) {
     }
 }
 
+TEST(CompactRow, HasNoStreamForADecimalOfMoreDigitsThanThereAre) {
+    const oaktest::Catalog catalog(one_table(
+        R"({"colid": 0, "name": "d", "type": {"data_type": "decimal", "length": 33}})", 1));
+    RowBench row(catalog.table("t"));
+    EXPECT_EQ(row.unpack_compact("0000 0100 4000000000000000000000000000000001 00 "
+                                 "0000000000000000000000000000"),
+              eINVBCD);
+    row.clear();
+    row.mark(0, vsOKAY); // the zero of a cleared row
+    b_encoderReset(row.encoder_);
+    EXPECT_EQ(row_pack_compact(&row.row_, row.encoder_), eINVBCD);
+}
+
 TEST(CompactRow, WritesOneGroupByItself) {
     const oaktest::Catalog catalog(three_ints());
     const SCH_TBL_INFO ti = catalog.table("t");
