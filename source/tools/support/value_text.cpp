@@ -248,6 +248,9 @@ OAK_TYPE type_to_read(const Column &column) {
 // ---- Dates and times that are taken whole -----------------------------------
 
 constexpr size_t kMostNumbers = 9; // of a timestamp with a zone
+constexpr char kDigits[] = "0123456789";
+constexpr char kBlanks[] = " \t\n\v\f\r";
+constexpr char kBeforeTime[] = " \t\n\v\f\r,-/:."; // between it and the day
 
 // The numbers in a text, and the character behind the first of them.
 struct Numbers {
@@ -292,16 +295,55 @@ size_t most_numbers(OAK_TYPE type) {
     }
 }
 
-// Where the characters end that dates and times are written with. A half of the
-// day is told right behind a digit.
-const char *end_of_date(const char *text) {
-    for (;; ++text) {
-        text += std::strspn(text, "0123456789-/.:+, ");
-        if (*text == '\0' || std::strchr("aApP", *text) == nullptr || !is_digit(text[-1])) {
+bool begins_with_day(OAK_TYPE type) {
+    return type == OAK_DATE || type == OAK_TIMESTAMP || type == OAK_TIMESTAMPTZ;
+}
+bool has_zone(OAK_TYPE type) {
+    return type == OAK_TIMETZ || type == OAK_TIMESTAMPTZ;
+}
+
+const char *behind_numbers(const char *text, size_t count) {
+    for (; count > 0 && *text != '\0'; --count) {
+        text += std::strcspn(text, kDigits);
+        text += std::strspn(text, kDigits);
+    }
+    return text;
+}
+
+// Numbers with colons and points between them.
+const char *behind_clock(const char *text) {
+    for (;;) {
+        text += std::strspn(text, kDigits);
+        if ((*text != ':' && *text != '.') || !is_digit(text[1])) {
             return text;
         }
-        text += text[1] == 'm' || text[1] == 'M' ? 1 : 0;
+        ++text;
     }
+}
+
+const char *behind_blanks(const char *text) {
+    return text + std::strspn(text, kBlanks);
+}
+
+// Whether a text is empty, or a time of the day and a zone where there may be one.
+// A half of the day is told right behind the time.
+bool is_time(const char *text, bool has_zone) {
+    if (*behind_blanks(text) == '\0') {
+        return true;
+    }
+    text += std::strspn(text, kBeforeTime);
+    if (!is_digit(*text)) {
+        return false;
+    }
+    text = behind_clock(text);
+    if (*text != '\0' && std::strchr("aApP", *text) != nullptr) {
+        text += text[1] == 'm' || text[1] == 'M' ? 2 : 1;
+    }
+    text = behind_blanks(text);
+    if (has_zone && (*text == '+' || *text == '-')) {
+        text = behind_blanks(behind_clock(behind_blanks(text + 1)));
+    }
+    return *text == '\0';
 }
 
 // Whether a text's numbers are the day of the canonical one, year-month-day. Day
@@ -320,19 +362,20 @@ OAK_RETCODE check_whole(const Column &column, const char *text, const OAK_VALUE 
     if (given.count == 0) {
         return sOKAY; // an empty text is the first moment that there is
     }
-    const size_t blanks = std::strspn(text, " \t\n\v\f\r");
-    const size_t before = std::strcspn(text, "0123456789");
+    const size_t blanks = std::strspn(text, kBlanks);
+    const size_t before = std::strcspn(text, kDigits);
     const bool names_month = before > blanks;
+    const bool has_day = begins_with_day(column.type) && (names_month || given.behind_first != ':');
+    const size_t of_day = !has_day ? 0 : names_month ? 2 : 3; // numbers
     if (given.count + (names_month ? 1 : 0) > most_numbers(column.type) ||
-        *end_of_date(text + before) != '\0') {
+        !is_time(behind_numbers(text, of_day), has_zone(column.type))) {
         *detail = std::string("'") + text + "' holds more than the column takes";
         return eINVLITERAL;
     }
     std::string canonical;
     const OAK_RETCODE status = append_value_text(&canonical, column, value);
     const Numbers taken = numbers_of(canonical.c_str());
-    const bool has_date = taken.behind_first == '-' && given.behind_first != ':';
-    if (status == sOKAY && has_date && !is_same_day(given, names_month, taken)) {
+    if (status == sOKAY && of_day != 0 && !is_same_day(given, names_month, taken)) {
         *detail = std::string("there is no day '") + text + "'";
         return eBASE_INVDATE;
     }
