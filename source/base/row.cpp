@@ -81,13 +81,17 @@ OAK_RETCODE convert_to_buffer(OAK_ROW *row) {
 
 void row_init(OAK_ROW *row, OAK_ROW_FORMAT format, OAK_ROWID_T rowid, SCH_TBL_INFO_C ti,
               OSL_MEMTAG tag, OAK_ERR hErr, DB_INSTANCE *dbi) {
-    *row = OAK_ROW{};
-    row->format = format;
-    row->rowid = rowid;
-    row->tag = tag;
-    row->ti = ti;
-    row->hErr = hErr;
-    row->dbi = dbi;
+    *row = OAK_ROW{.format = format,
+                   .rowid = rowid,
+                   .tag = tag,
+                   .ti = ti,
+                   .avls = nullptr,
+                   .joins = nullptr,
+                   .data = {},
+                   .row_data = nullptr,
+                   .data_len = 0,
+                   .hErr = hErr,
+                   .dbi = dbi};
 }
 
 OAK_RETCODE row_allocate(OAK_ROW *row) {

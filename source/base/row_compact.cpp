@@ -368,7 +368,8 @@ class RowUnpacker {
 
     // A number that is read on the spot, or by the decoder's own function.
     template <class Number>
-    OAK_RETCODE number(Number *out, OAK_RETCODE (*decode)(B_DECODER, Number *)) {
+    [[gnu::always_inline]] OAK_RETCODE number(Number *out,
+                                              OAK_RETCODE (*decode)(B_DECODER, Number *)) {
         const uint8_t *next = column_stream::take(reader_.at, reader_.end, out);
         if (next != nullptr) [[likely]] {
             reader_.at = next;
@@ -379,7 +380,9 @@ class RowUnpacker {
         reader_.begin();
         return status;
     }
-    OAK_RETCODE number(uint16_t *out) { return number(out, b_decoderDecodeUint16); }
+    [[gnu::always_inline]] OAK_RETCODE number(uint16_t *out) {
+        return number(out, b_decoderDecodeUint16);
+    }
     OAK_RETCODE number(uint64_t *out) { return number(out, b_decoderDecodeSlot); }
 
     // A count, and so many records.
@@ -392,7 +395,7 @@ class RowUnpacker {
         return status;
     }
 
-    OAK_RETCODE avl() {
+    [[gnu::noinline]] OAK_RETCODE avl() {
         OAK_KEY_INDEX key = 0;
         OAK_AVL links{};
         OAK_RETCODE status = number(&key);
@@ -415,7 +418,7 @@ class RowUnpacker {
     }
 
     // The join of a reference that the table no longer has is thrown away.
-    OAK_RETCODE join() {
+    [[gnu::noinline]] OAK_RETCODE join() {
         OAK_REF_INDEX ndx = 0;
         OAK_SLOT owner = 0;
         OAK_RETCODE status = number(&ndx);
