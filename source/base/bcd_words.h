@@ -3,13 +3,14 @@
 // A word holds eight digits, one a byte, the first in the highest byte, so that
 // words compare as their digits do and a carry runs the way it does on paper. A
 // limb is the same eight digits as one number below 10^8, for multiplication.
-// Rests on nothing; used by bcd.cpp and bcd_text.cpp.
+// Rests on the stored order of bytes; used by bcd.cpp and bcd_text.cpp.
 #ifndef BCD_WORDS_H
 #define BCD_WORDS_H
 
 #include <bit>
 #include <cstdint>
-#include <cstring>
+
+#include "swaporder_inline.h"
 
 namespace bcd_words {
 
@@ -23,15 +24,11 @@ constexpr int words_for(int digits) {
 // ---- Words in memory -------------------------------------------------------
 
 inline uint64_t load_word(const uint8_t *digits) {
-    uint64_t word;
-    memcpy(&word, digits, sizeof word);
-    return std::endian::native == std::endian::little ? __builtin_bswap64(word) : word;
+    return osl::load_stored<uint64_t>(digits);
 }
 
 inline void store_word(uint8_t *digits, uint64_t word) {
-    if (std::endian::native == std::endian::little)
-        word = __builtin_bswap64(word);
-    memcpy(digits, &word, sizeof word);
+    osl::store_stored(digits, word);
 }
 
 /// The word of the first `count` digits, 1 to 8, with zeros behind them.
@@ -101,14 +98,10 @@ inline uint64_t word_of_nibbles(uint32_t nibbles) {
 
 /// Eight nibbles in memory, the first in the high half of the first byte.
 inline uint32_t load_nibbles(const uint8_t *packed) {
-    uint32_t nibbles;
-    memcpy(&nibbles, packed, sizeof nibbles);
-    return std::endian::native == std::endian::little ? __builtin_bswap32(nibbles) : nibbles;
+    return osl::load_stored<uint32_t>(packed);
 }
 inline void store_nibbles(uint8_t *packed, uint32_t nibbles) {
-    if (std::endian::native == std::endian::little)
-        nibbles = __builtin_bswap32(nibbles);
-    memcpy(packed, &nibbles, sizeof nibbles);
+    osl::store_stored(packed, nibbles);
 }
 
 // ---- Sums of words -------------------------------------------------------------

@@ -15,7 +15,6 @@
 #ifndef COLUMN_STREAM_INTERNAL_H
 #define COLUMN_STREAM_INTERNAL_H
 
-#include <bit>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -23,6 +22,7 @@
 #include "bcd_packed_internal.h"
 #include "encoder_internal.h"
 #include "schema_view_internal.h"
+#include "swaporder_inline.h"
 
 namespace column_stream {
 
@@ -91,21 +91,14 @@ COLUMN_STREAM_INLINE const uint8_t *take_number(const uint8_t *at, const uint8_t
 
 // ---- Records and bytes ------------------------------------------------------
 
-/// The stored order of bytes: of a floating number's bits; bytes stay as they are.
-inline uint32_t in_stored_order(uint32_t bits) {
-    return std::endian::native == std::endian::little ? __builtin_bswap32(bits) : bits;
-}
-inline uint64_t in_stored_order(uint64_t bits) {
-    return std::endian::native == std::endian::little ? __builtin_bswap64(bits) : bits;
-}
-inline OAK_UUID_T in_stored_order(OAK_UUID_T uuid) {
-    return uuid;
-}
-
+/// A floating number's bits to or from the stored order; a UUID's bytes as they are.
 template <class Bits>
 COLUMN_STREAM_INLINE void move_bits(uint8_t *to, const uint8_t *from) {
-    const Bits bits = in_stored_order(load<Bits>(from));
-    std::memcpy(to, &bits, sizeof bits);
+    if constexpr (std::is_same_v<Bits, OAK_UUID_T>) {
+        std::memcpy(to, from, sizeof(Bits));
+    } else {
+        osl::store_stored(to, load<Bits>(from));
+    }
 }
 
 template <class Bits>

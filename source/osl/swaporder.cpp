@@ -2,32 +2,14 @@
 // in place from the host's order to the stored one; it is its own inverse.
 #include "osltypes.h"
 
-#include <bit>
-#include <cstring>
+#include "swaporder_inline.h"
 
 namespace {
-
-constexpr bool kHostIsStoredOrder = std::endian::native == std::endian::big;
-
-inline uint16_t swapped(uint16_t value) {
-    return __builtin_bswap16(value);
-}
-inline uint32_t swapped(uint32_t value) {
-    return __builtin_bswap32(value);
-}
-inline uint64_t swapped(uint64_t value) {
-    return __builtin_bswap64(value);
-}
 
 /// Turns the bytes at `place`, which need not be aligned, as those of a `Bits`.
 template <class Bits>
 void turn(void *place) {
-    if (kHostIsStoredOrder) {
-        return;
-    }
-    Bits bits;
-    std::memcpy(&bits, place, sizeof bits);
-    bits = swapped(bits);
+    const auto bits = osl::load_stored<Bits>(place);
     std::memcpy(place, &bits, sizeof bits);
 }
 

@@ -11,7 +11,7 @@ function layer(file,    stem) {
     sub(/.*\//, "", stem)
     sub(/\.(h|cpp)$/, "", stem)
     # What everything may use: the public types, and what the platform lends.
-    if (stem ~ /^(osltypes|oakretcodelist|oakretcodetypes|oaktypes|oakdatetimetypes|oakuuidtypes|oakbcdtypes|oakcmdlineapi|vint_inline|osl_fault)$/) return 0
+    if (stem ~ /^(osltypes|oakretcodelist|oakretcodetypes|oaktypes|oakdatetimetypes|oakuuidtypes|oakbcdtypes|oakcmdlineapi|vint_inline|swaporder_inline|osl_fault)$/) return 0
     # The frame.
     if (stem ~ /^(base_internal|rettables|errorapi|error|error_internal|berror_legacy|misc)$/) return 1
     # Leaves: containers, byte helpers, compression, encoder.
