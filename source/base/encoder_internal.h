@@ -78,51 +78,36 @@ inline OAK_RETCODE decoderDecodeIntmax(B_DECODER_C decoder, intmax_t *value) {
     return rc;
 }
 
-/// Where the next byte goes while several values are written straight into the
-/// encoder's buffer. Behind any other callback, or without room, there is none.
+/// A place in a handle's buffer while several values go straight over it, and where
+/// the buffer ends there. Behind any other callback, or at the end, there is none.
 /// Nobody else may touch the buffer between begin and settle.
-struct StreamWriter {
-    explicit StreamWriter(B_ENCODER_C encoder) : buffer(encoder_buffer(encoder)) { begin(); }
+template <class Byte, size_t OAK_BUFFER::*Place, size_t OAK_BUFFER::*Limit>
+struct StreamCursor {
+    explicit StreamCursor(OAK_BUFFER *handle_buffer) : buffer(handle_buffer) { begin(); }
 
-    /// Takes up the place behind what the buffer holds.
+    /// Takes up the place that the buffer tells.
     void begin() {
-        const bool has_place = buffer != nullptr && buffer->len < buffer->size;
-        at = has_place ? buffer->data + buffer->len : nullptr;
-        end = has_place ? at + (buffer->size - buffer->len) : nullptr;
+        const bool has_place = buffer != nullptr && buffer->*Place < buffer->*Limit;
+        at = has_place ? buffer->data + buffer->*Place : nullptr;
+        end = has_place ? at + (buffer->*Limit - buffer->*Place) : nullptr;
     }
-    /// Tells the buffer what it holds now.
+    /// Tells the buffer how far the place has moved.
     void settle() {
         if (at != nullptr) {
-            buffer->len = static_cast<size_t>(at - buffer->data);
+            buffer->*Place = static_cast<size_t>(at - buffer->data);
         }
     }
     bool has_room(size_t size) const { return static_cast<size_t>(end - at) >= size; }
 
     OAK_BUFFER *buffer;
-    uint8_t *at;
-    uint8_t *end;
+    Byte *at;
+    Byte *end;
 };
 
-/// The same for reading straight out of the decoder's buffer.
-struct StreamReader {
-    explicit StreamReader(B_DECODER_C decoder) : buffer(decoder_buffer(decoder)) { begin(); }
-
-    void begin() {
-        const bool has_bytes = buffer != nullptr && buffer->pos < buffer->len;
-        at = has_bytes ? buffer->data + buffer->pos : nullptr;
-        end = has_bytes ? at + (buffer->len - buffer->pos) : nullptr;
-    }
-    void settle() {
-        if (at != nullptr) {
-            buffer->pos = static_cast<size_t>(at - buffer->data);
-        }
-    }
-    size_t left() const { return static_cast<size_t>(end - at); }
-
-    OAK_BUFFER *buffer;
-    const uint8_t *at;
-    const uint8_t *end;
-};
+/// Writes behind what the buffer holds, as far as it needs no growth.
+using StreamWriter = StreamCursor<uint8_t, &OAK_BUFFER::len, &OAK_BUFFER::size>;
+/// Reads from the buffer's position to its length.
+using StreamReader = StreamCursor<const uint8_t, &OAK_BUFFER::pos, &OAK_BUFFER::len>;
 
 /// b_decoderDecodeStringToBuff for a buffer of `capacity` bytes, terminator
 /// included: a text that does not fit is eDBCORRUPTED before any byte is written.

@@ -121,7 +121,7 @@ OAK_REF_INDEX count_joins(const OAK_ROW *row) {
 class RowPacker {
   public:
     RowPacker(const OAK_ROW *row, B_ENCODER encoder)
-        : row_(row), columns_(row), encoder_(encoder), writer_(encoder) {}
+        : row_(row), columns_(row), encoder_(encoder), writer_(encoder_buffer(encoder)) {}
 
     OAK_RETCODE run() {
         OAK_RETCODE status = avls();
@@ -348,8 +348,8 @@ uint32_t take_columns(OAK_ROW *row, uint32_t position, uint32_t most, const uint
 class RowUnpacker {
   public:
     RowUnpacker(OAK_ROW *row, B_DECODER decoder)
-        : row_(row), decoder_(decoder), reader_(decoder), columns_(row->ti->row_columns),
-          num_columns_(row->ti->num_row_columns) {}
+        : row_(row), decoder_(decoder), reader_(decoder_buffer(decoder)),
+          columns_(row->ti->row_columns), num_columns_(row->ti->num_row_columns) {}
 
     OAK_RETCODE run() {
         OAK_RETCODE status = records(&RowUnpacker::avl);
